@@ -1,0 +1,21 @@
+# What the libraries call instead of writing it. A missing one is named here, with its package.
+
+macro(zarvo_require package debian)
+  find_package(${package} ${ARGN} QUIET)
+  set(ZARVO_FIND_${package} ${package} ${ARGN})
+  if(NOT ${package}_FOUND)
+    message(FATAL_ERROR "${package} is missing: install ${debian} (script/setup does)")
+  endif()
+endmacro()
+
+set(THREADS_PREFER_PTHREAD_FLAG ON)
+zarvo_require(Threads libc6-dev)
+zarvo_require(ICU libicu-dev COMPONENTS uc i18n)
+zarvo_require(OpenSSL libssl-dev)
+if(ZARVO_BUILD_TESTS)
+  zarvo_require(GTest libgtest-dev)
+  include(GoogleTest)
+endif()
+if(ZARVO_BUILD_BENCH)
+  zarvo_require(benchmark libbenchmark-dev)
+endif()
