@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "foundation/Value.h"
+#include "platform/Service.h"
+
+namespace platform {
+
+/// What the running program says of itself. Thread safety: any thread.
+class Bundle : public Service<Bundle> {
+ public:
+  static Bundle& production();
+
+  /// The information dictionary ("CFBundleIdentifier", "CFBundleName", …) that the program embeds;
+  /// empty for a bare program. Constant for the life of the process.
+  virtual const foundation::Dictionary& infoDictionary() = 0;
+
+  /// The "CFBundleIdentifier" of the information dictionary, if it has one.
+  std::optional<std::string> bundleIdentifier();
+
+  /// The name of the program's executable file, whatever it was called with.
+  virtual std::string processName() = 0;
+};
+
+/// Gives the running program an information dictionary; to be called once, during static
+/// initialisation of the program that embeds it.
+void embedInfoDictionary(foundation::Dictionary dictionary);
+
+}  // namespace platform

@@ -1,0 +1,126 @@
+#include "platform/Timer.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <vector>
+
+#include "platform/SimulatedClock.h"
+
+using foundation::Date;
+using platform::Clock;
+using platform::Queue;
+using platform::QueueRef;
+using platform::SimulatedClock;
+using platform::Timer;
+using platform::TimerRef;
+
+namespace {
+
+constexpr Date start{std::chrono::sys_days(std::chrono::year(2024) / 3 / 9)};
+
+class TimerTest : public testing::Test {
+ protected:
+  // Lets time pass, and the firings be handled.
+  int advance(double seconds) {
+    clock.advance(seconds);
+    return queue->sync([this] { return fired; });
+  }
+
+  SimulatedClock clock{start};
+  Clock::Replacement replacement{clock};
+  QueueRef queue = Queue::serialQueue("timer");
+  int fired = 0;
+  TimerRef timer = Timer::timer(queue, [this] { ++fired; });
+};
+
+}  // namespace
+
+TEST_F(TimerTest, FiresOnceAfterItsDelay) {
+  timer->startAfter(5);
+  EXPECT_EQ(advance(4.999), 0);
+  EXPECT_EQ(advance(0.001), 1);
+  EXPECT_EQ(advance(100), 1);
+}
+
+TEST_F(TimerTest, FiresAtOnceWhenItsTimeHasPassed) {
+  timer->startAt(start - std::chrono::hours(1));
+  EXPECT_EQ(advance(0), 1);
+  timer->startAfter(-3);
+  EXPECT_EQ(advance(0), 2);
+}
+
+TEST_F(TimerTest, RepeatsAndCountsWhatABusyQueueMissedAsOne) {
+  timer->startAfter(1, 2);
+  EXPECT_EQ(advance(1), 1);
+  EXPECT_EQ(advance(2), 2);
+  queue->sync([this] { clock.advance(20); });
+  EXPECT_EQ(advance(0), 3);
+}
+
+TEST_F(TimerTest, ANewSettingReplacesTheOldOneAlsoWhenThatHasJustFired) {
+  timer->startAfter(5);
+  timer->startAfter(10);
+  EXPECT_EQ(advance(9), 0);
+  timer->startAfter(2);
+  queue->sync([this] {
+    clock.advance(2);
+    timer->startAfter(1);
+  });
+  EXPECT_EQ(advance(0), 0);
+  EXPECT_EQ(advance(1), 1);
+}
+
+TEST_F(TimerTest, NothingRunsOnceItIsCancelledOnItsQueueOrDestroyed) {
+  timer->startAfter(1);
+  queue->sync([this] {
+    clock.advance(1);
+    timer->cancel();
+  });
+  EXPECT_EQ(advance(10), 0);
+  timer = Timer::timer(queue, [this] { ++fired; });
+  timer->startAfter(1);
+  timer.reset();
+  EXPECT_EQ(advance(10), 0);
+}
+
+TEST_F(TimerTest, AHandlerMayDropItsOwnTimer) {
+  auto self = std::make_shared<TimerRef>();
+  *self = Timer::timer(queue, [this, self] {
+    self->reset();
+    ++fired;
+  });
+  (*self)->startAfter(1, 1);
+  EXPECT_EQ(advance(5), 1);
+  queue->sync([] {});
+  EXPECT_EQ(self.use_count(), 1);
+}
+
+TEST_F(TimerTest, AWallTimerFollowsTheClockThatIsSet) {
+  timer->startAt(start + std::chrono::hours(24));
+  clock.setNow(start + std::chrono::hours(23));
+  EXPECT_EQ(advance(3599), 0);
+  EXPECT_EQ(advance(1), 1);
+}
+
+TEST_F(TimerTest, AfterRunsItsBlockOnce) {
+  platform::after(3, queue, [this] { ++fired; });
+  EXPECT_EQ(advance(2), 0);
+  EXPECT_EQ(advance(100), 1);
+}
+
+TEST(SystemClock, DrivesTimersOfBothHands) {
+  const QueueRef queue = Queue::serialQueue("real");
+  std::promise<void> monotonic;
+  std::promise<void> wall;
+  const TimerRef first = Timer::timer(queue, [&] { monotonic.set_value(); });
+  const TimerRef second = Timer::timer(queue, [&] { wall.set_value(); });
+  const TimerRef far = Timer::timer(queue, [] { FAIL() << "not in this life"; });
+  far->startAt(foundation::distantFuture);
+  first->startAfter(0.01);
+  second->startAt(Clock::current().now() + std::chrono::milliseconds(5));
+  monotonic.get_future().get();
+  wall.get_future().get();
+}
