@@ -9,23 +9,64 @@
 #include <array>
 #include <cstring>
 #include <map>
+#include <string>
 #include <vector>
+
+#include <limits.h>
 
 #include "foundation/Assertion.h"
 #include "foundation/Format.h"
+#include "platform/Clock.h"
+#include "platform/Console.h"
 #include "platform/FileHandle.h"
 #include "platform/linux/EventLoop.h"
+#include "platform/posix/AlarmHeap.h"
 
 namespace platform {
+namespace {
 
-class FileWatch::Source : public std::enable_shared_from_this<Source> {
+constexpr std::uint32_t watchedEvents = IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF;
+
+// The kernel takes milliseconds to let go of an inotify descriptor, also at the end of a process. A
+// watch therefore begins late, so that a program that is done before does without; what happened
+// meanwhile is found out and told then.
+constexpr std::int64_t beginningDelay = 100'000'000;  // nanoseconds
+
+std::string descriptorPath(int descriptor) {
+  return foundation::format("/proc/self/fd/%d", descriptor);
+}
+
+// Where the file stands now; empty when it cannot be told.
+std::string placeOf(int descriptor) {
+  std::array<char, PATH_MAX> path;
+  const ssize_t length = readlink(descriptorPath(descriptor).c_str(), path.data(), path.size());
+  return std::string(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+}
+
+}  // namespace
+
+class FileWatch::Source : public Alarm, public std::enable_shared_from_this<Source> {
  public:
   Source(FileHandle file, QueueRef queue, std::function<void(Event)> handler)
-      : file_(std::move(file)), queue_(std::move(queue)), handler_(std::move(handler)) {}
+      : file_(std::move(file)),
+        place_(placeOf(file_.descriptor())),
+        queue_(std::move(queue)),
+        handler_(std::move(handler)) {}
 
   int descriptor() const { return file_.descriptor(); }
+  bool isCancelled() const { return cancelled_.load(); }
+
+  void beginLater() {
+    Clock& clock = Clock::production();
+    const std::int64_t now = clock.monotonicNow().time_since_epoch().count();
+    clock.set(shared_from_this(), Clock::Hand::monotonic, now + beginningDelay, 0, 0);
+  }
+
+  void fire(std::uint64_t) override;
+  void cancel();
 
   // A file that is unlinked while it is open tells a change of its attributes, as many others do.
+  // Called by the event loop alone.
   void tell(std::uint32_t mask) {
     if (mask & IN_MOVE_SELF) deliver(Event::renamed);
     if (!(mask & (IN_ATTRIB | IN_DELETE_SELF | IN_Q_OVERFLOW)) || told_) return;
@@ -35,29 +76,26 @@ class FileWatch::Source : public std::enable_shared_from_this<Source> {
     deliver(Event::deleted);
   }
 
-  void cancel() { cancelled_.store(true); }
-
  private:
+  friend class Hub;
+
   void deliver(Event event) {
     queue_->async([self = shared_from_this(), event] {
-      if (!self->cancelled_.load()) self->handler_(event);
+      if (!self->isCancelled()) self->handler_(event);
     });
   }
 
   const FileHandle file_;
+  const std::string place_;  // where the file stood in the beginning
   const QueueRef queue_;
   const std::function<void(Event)> handler_;
   std::atomic<bool> cancelled_{false};
-  bool told_ = false;  // the deletion; touched by the event loop alone
+  std::atomic<bool> known_{false};  // to the hub
+  int number_ = -1;                 // in the hub; guarded by its lock
+  bool told_ = false;               // the deletion; touched by the event loop alone
 };
 
-namespace {
-
-constexpr std::uint32_t watchedEvents = IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF;
-
-}  // namespace
-
-/// The one inotify descriptor. Files with several names or watches share a watch number.
+/// The one inotify descriptor. Watches of one file share a number there.
 class FileWatch::Hub {
  public:
   static Hub& shared() {
@@ -65,19 +103,24 @@ class FileWatch::Hub {
     return hub;
   }
 
-  foundation::Result<int> add(const std::shared_ptr<Source>& source) {
+  // Either this sees that the source was cancelled, or its `cancel` sees that the hub knows it.
+  void add(const std::shared_ptr<Source>& source) {
     foundation::MutexLock lock(mutex_);
-    const std::string path = foundation::format("/proc/self/fd/%d", source->descriptor());
-    const int number = inotify_add_watch(inotify_, path.c_str(), watchedEvents);
-    if (number < 0) return foundation::Error::posix(errno, "inotify_add_watch " + path);
-    sources_.emplace(number, source);
-    return number;
+    source->known_.store(true);
+    if (source->isCancelled()) return;
+    const std::string path = descriptorPath(source->descriptor());
+    source->number_ = inotify_add_watch(inotify_, path.c_str(), watchedEvents);
+    if (source->number_ < 0) {
+      const auto error = foundation::Error::posix(errno, "inotify_add_watch " + source->place_);
+      return Console::log("FileWatch: %@", error);
+    }
+    sources_.emplace(source->number_, source);
   }
 
-  void remove(const std::shared_ptr<Source>& source, int number) {
+  void remove(const std::shared_ptr<Source>& source) {
     foundation::MutexLock lock(mutex_);
     std::erase_if(sources_, [&](const auto& entry) { return entry.second == source; });
-    if (sources_.count(number) == 0) inotify_rm_watch(inotify_, number);
+    if (sources_.count(source->number_) == 0) inotify_rm_watch(inotify_, source->number_);
   }
 
  private:
@@ -111,26 +154,34 @@ class FileWatch::Hub {
   std::multimap<int, std::shared_ptr<Source>> sources_ ZARVO_GUARDED_BY(mutex_);
 };
 
+void FileWatch::Source::fire(std::uint64_t) {
+  Hub::shared().add(shared_from_this());
+  tell(IN_ATTRIB);
+  if (!told_ && placeOf(descriptor()) != place_) deliver(Event::renamed);
+}
+
+void FileWatch::Source::cancel() {
+  cancelled_.store(true);
+  Clock::production().set(shared_from_this(), Clock::Hand::monotonic, AlarmHeap::never, 0, 0);
+  if (known_.load()) Hub::shared().remove(shared_from_this());
+}
+
 foundation::Result<std::unique_ptr<FileWatch>> FileWatch::watch(
     int descriptor, QueueRef queue, std::function<void(Event)> handler) {
   FileHandle copy(fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
   if (!copy) return foundation::Error::posix(errno, "fcntl F_DUPFD_CLOEXEC");
-  auto source =
-      std::make_shared<Source>(std::move(copy), std::move(queue), std::move(handler));
-  const foundation::Result<int> number = Hub::shared().add(source);
-  if (!number) return number.error();
-  return std::unique_ptr<FileWatch>(new FileWatch(std::move(source), *number));
+  auto source = std::make_shared<Source>(std::move(copy), std::move(queue), std::move(handler));
+  source->beginLater();
+  return std::unique_ptr<FileWatch>(new FileWatch(std::move(source)));
 }
 
-FileWatch::FileWatch(std::shared_ptr<Source> source, int number)
-    : source_(std::move(source)), number_(number) {}
+FileWatch::FileWatch(std::shared_ptr<Source> source) : source_(std::move(source)) {}
 
 FileWatch::~FileWatch() { cancel(); }
 
 void FileWatch::cancel() {
   if (!source_) return;
   source_->cancel();
-  Hub::shared().remove(source_, number_);
   source_.reset();
 }
 
