@@ -35,8 +35,7 @@ int readNumber(std::string_view text, std::size_t& position) {
 Specification parse(std::string_view text) {
   Specification result;
   std::size_t position = 1;
-  const std::size_t flagsEnd =
-      std::min(text.find_first_not_of("-+ #0", position), text.size() - 1);
+  const std::size_t flagsEnd = std::min(text.find_first_not_of("-+ #0", position), text.size() - 1);
   result.flags = text.substr(position, flagsEnd - position);
   position = flagsEnd;
   result.width = readNumber(text, position);
@@ -78,28 +77,19 @@ void appendDecimal(std::string& output, Integer value, int base = 10) {
 
 // printf with a specification rebuilt from checked pieces.
 template <class Value>
-void appendPrinted(std::string& output, const Specification& field, const char* conversion,
+void appendPrinted(std::string& output, const Specification& field, std::string_view conversion,
                    Value value) {
-  char pattern[64];
-  const int flags = static_cast<int>(std::min<std::size_t>(field.flags.size(), 8));
-  if (field.precision < 0) {
-    std::snprintf(pattern, sizeof pattern, "%%%.*s%d%s", flags, field.flags.data(), field.width,
-                  conversion);
-    if (field.width == 0) {
-      std::snprintf(pattern, sizeof pattern, "%%%.*s%s", flags, field.flags.data(), conversion);
-    }
-  } else if (field.width == 0) {
-    std::snprintf(pattern, sizeof pattern, "%%%.*s.%d%s", flags, field.flags.data(),
-                  field.precision, conversion);
-  } else {
-    std::snprintf(pattern, sizeof pattern, "%%%.*s%d.%d%s", flags, field.flags.data(), field.width,
-                  field.precision, conversion);
-  }
-  const int length = std::snprintf(nullptr, 0, pattern, value);
+  std::string pattern = "%";
+  pattern += field.flags;
+  if (field.width > 0) pattern += std::to_string(field.width);
+  if (field.precision >= 0) pattern.append(".").append(std::to_string(field.precision));
+  pattern += conversion;
+  const int length = std::snprintf(nullptr, 0, pattern.c_str(), value);
   if (length <= 0) return;
   const std::size_t start = output.size();
   output.resize(start + static_cast<std::size_t>(length));
-  std::snprintf(output.data() + start, static_cast<std::size_t>(length) + 1, pattern, value);
+  std::snprintf(output.data() + start, static_cast<std::size_t>(length) + 1, pattern.c_str(),
+                value);
 }
 
 // The first `count` code points of UTF-8 text.
@@ -132,16 +122,28 @@ std::uint64_t FormatArgument::bits() const {
 
 void FormatArgument::appendDescription(std::string& output) const {
   switch (kind_) {
-    case Kind::null: output += nullText; return;
-    case Kind::signedInteger: appendDecimal(output, signed_); return;
-    case Kind::unsignedInteger: appendDecimal(output, unsigned_); return;
-    case Kind::real: appendPrinted(output, Specification{}, "g", real_); return;
-    case Kind::text: output += text_; return;
+    case Kind::null:
+      output += nullText;
+      return;
+    case Kind::signedInteger:
+      appendDecimal(output, signed_);
+      return;
+    case Kind::unsignedInteger:
+      appendDecimal(output, unsigned_);
+      return;
+    case Kind::real:
+      appendPrinted(output, Specification{}, "g", real_);
+      return;
+    case Kind::text:
+      output += text_;
+      return;
     case Kind::pointer:
       output += "0x";
       appendDecimal(output, reinterpret_cast<std::uintptr_t>(pointer_), 16);
       return;
-    case Kind::object: output += object_.describe(object_.object); return;
+    case Kind::object:
+      output += object_.describe(object_.object);
+      return;
   }
 }
 
@@ -149,10 +151,17 @@ void FormatArgument::appendDescription(std::string& output) const {
 bool FormatArgument::appendPlainInteger(std::string& output, char letter) const {
   switch (letter) {
     case 'd':
-    case 'i': appendDescription(output); return true;
-    case 'u': appendDecimal(output, bits()); return true;
-    case 'x': appendDecimal(output, bits(), 16); return true;
-    default: return false;
+    case 'i':
+      appendDescription(output);
+      return true;
+    case 'u':
+      appendDecimal(output, bits());
+      return true;
+    case 'x':
+      appendDecimal(output, bits(), 16);
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -166,11 +175,16 @@ void FormatArgument::appendInteger(std::string& output, std::string_view specifi
     case 'i':
       if (kind_ == Kind::unsignedInteger) return appendPrinted(output, field, "llu", unsigned_);
       return appendPrinted(output, field, "lld", signed_);
-    case 'u': return appendPrinted(output, field, "llu", bits());
-    case 'x': return appendPrinted(output, field, "llx", bits());
-    case 'X': return appendPrinted(output, field, "llX", bits());
-    case 'o': return appendPrinted(output, field, "llo", bits());
-    default: break;
+    case 'u':
+      return appendPrinted(output, field, "llu", bits());
+    case 'x':
+      return appendPrinted(output, field, "llx", bits());
+    case 'X':
+      return appendPrinted(output, field, "llX", bits());
+    case 'o':
+      return appendPrinted(output, field, "llo", bits());
+    default:
+      break;
   }
   std::string character;
   appendCodePoint(character, bits());
@@ -180,8 +194,7 @@ void FormatArgument::appendInteger(std::string& output, std::string_view specifi
 void FormatArgument::appendReal(std::string& output, std::string_view specification) const {
   if (kind_ != Kind::real) return appendText(output, specification);
   const Specification field = parse(specification);
-  const char conversion[] = {field.letter, '\0'};
-  appendPrinted(output, field, conversion, real_);
+  appendPrinted(output, field, std::string_view(&field.letter, 1), real_);
 }
 
 void FormatArgument::appendText(std::string& output, std::string_view specification) const {
@@ -197,15 +210,19 @@ void FormatArgument::appendTo(std::string& output, std::string_view specificatio
   if (specification == "%@") return appendDescription(output);
   switch (specification.back()) {
     case '@':
-    case 's': return appendText(output, specification);
+    case 's':
+      return appendText(output, specification);
     case 'f':
     case 'F':
     case 'e':
     case 'E':
     case 'g':
-    case 'G': return appendReal(output, specification);
-    case 'p': break;
-    default: return appendInteger(output, specification);
+    case 'G':
+      return appendReal(output, specification);
+    case 'p':
+      break;
+    default:
+      return appendInteger(output, specification);
   }
   const void* address = kind_ == Kind::object ? object_.object : pointer_;
   const bool isAddress = kind_ == Kind::object || kind_ == Kind::pointer;
@@ -217,7 +234,7 @@ void FormatArgument::appendTo(std::string& output, std::string_view specificatio
 std::string formatArguments(std::string_view format, std::span<const FormatArgument> arguments) {
   const FormatArgument missing(nullptr);
   std::string output;
-  output.reserve(format.size() + arguments.size() * 16);
+  output.reserve(format.size() + arguments.size() * 24);
   std::size_t next = 0;
   while (true) {
     const std::size_t percent = std::min(format.find('%'), format.size());

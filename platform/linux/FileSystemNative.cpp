@@ -81,8 +81,9 @@ bool hasExtendedAttribute(std::string_view path, std::string_view name) {
 
 foundation::Result<void> setExtendedAttribute(std::string_view path, std::string_view name) {
   const int result = callWithPath(path, [&](const char* file) {
-    return callWithPath(onDiskName(name),
-                        [&](const char* attribute) { return lsetxattr(file, attribute, "", 0, 0); });
+    return callWithPath(onDiskName(name), [&](const char* attribute) {
+      return lsetxattr(file, attribute, "", 0, 0);
+    });
   });
   if (result == -1) return systemError("setxattr", path);
   return {};
