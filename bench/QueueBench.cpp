@@ -1,14 +1,14 @@
 // A serial queue beside what else a program could use: a mutex, a thread with a condition variable,
 // Boost.Asio's strand, oneTBB's serial node.
 
-#include <benchmark/benchmark.h>
-
 #include <condition_variable>
 #include <deque>
 #include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "platform/Queue.h"
 #include "platform/Semaphore.h"

@@ -13,12 +13,12 @@ using Date = std::chrono::sys_time<std::chrono::duration<std::int64_t, std::micr
 using TimeInterval = double;
 
 /// Before every date that a file or a message carries: 0001-01-01 00:00 UTC.
-inline constexpr Date distantPast = Date(std::chrono::sys_days(
-    std::chrono::year(1) / std::chrono::January / 1));
+inline constexpr Date distantPast =
+    Date(std::chrono::sys_days(std::chrono::year(1) / std::chrono::January / 1));
 
 /// After every date that a file or a message carries: 4001-01-01 00:00 UTC.
-inline constexpr Date distantFuture = Date(std::chrono::sys_days(
-    std::chrono::year(4001) / std::chrono::January / 1));
+inline constexpr Date distantFuture =
+    Date(std::chrono::sys_days(std::chrono::year(4001) / std::chrono::January / 1));
 
 /// `interval` as microseconds, cut towards zero and clamped to the range of a date.
 constexpr Date::duration durationOf(TimeInterval interval) {

@@ -1,12 +1,13 @@
 #include "foundation/DateFormatter.h"
 
 #include <time.h>
-#include <unicode/smpdtfmt.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <vector>
+
+#include <unicode/smpdtfmt.h>
 
 namespace foundation {
 namespace {
@@ -97,8 +98,7 @@ std::unique_ptr<const DateFormatter::FieldPattern> DateFormatter::FieldPattern::
       continue;
     }
     const std::size_t length = std::min(pattern.find_first_not_of(c), pattern.size());
-    const auto spelling =
-        std::find(spellings.begin(), spellings.end(), pattern.substr(0, length));
+    const auto spelling = std::find(spellings.begin(), spellings.end(), pattern.substr(0, length));
     if (spelling == spellings.end()) return nullptr;
     result->tokens_.push_back({static_cast<Field>(spelling - spellings.begin()), '\0'});
     pattern.remove_prefix(length);
@@ -112,14 +112,30 @@ void DateFormatter::FieldPattern::append(std::string& output, Date local) const 
   const std::chrono::hh_mm_ss time(floor<milliseconds>(local - midnight));
   for (const Token& token : tokens_) {
     switch (token.field) {
-      case year: appendDigits(output, int{date.year()}, 4); break;
-      case month: appendDigits(output, unsigned{date.month()}, 2); break;
-      case day: appendDigits(output, unsigned{date.day()}, 2); break;
-      case hour: appendDigits(output, time.hours().count(), 2); break;
-      case minute: appendDigits(output, time.minutes().count(), 2); break;
-      case second: appendDigits(output, time.seconds().count(), 2); break;
-      case millisecond: appendDigits(output, time.subseconds().count(), 3); break;
-      case literal: output += token.text; break;
+      case year:
+        appendDigits(output, int{date.year()}, 4);
+        break;
+      case month:
+        appendDigits(output, unsigned{date.month()}, 2);
+        break;
+      case day:
+        appendDigits(output, unsigned{date.day()}, 2);
+        break;
+      case hour:
+        appendDigits(output, time.hours().count(), 2);
+        break;
+      case minute:
+        appendDigits(output, time.minutes().count(), 2);
+        break;
+      case second:
+        appendDigits(output, time.seconds().count(), 2);
+        break;
+      case millisecond:
+        appendDigits(output, time.subseconds().count(), 3);
+        break;
+      case literal:
+        output += token.text;
+        break;
     }
   }
 }

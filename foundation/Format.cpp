@@ -12,7 +12,7 @@ constexpr std::string_view nullText = "(null)";
 // Bound on width and precision: what a format may ask for is not what it may allocate.
 constexpr int fieldLimit = 4096;
 
-struct Specification {
+struct Conversion {
   std::string_view flags = "";
   int width = 0;
   int precision = -1;
@@ -32,8 +32,8 @@ int readNumber(std::string_view text, std::size_t& position) {
   return number;
 }
 
-Specification parse(std::string_view text) {
-  Specification result;
+Conversion parse(std::string_view text) {
+  Conversion result;
   std::size_t position = 1;
   const std::size_t flagsEnd = std::min(text.find_first_not_of("-+ #0", position), text.size() - 1);
   result.flags = text.substr(position, flagsEnd - position);
@@ -60,7 +60,7 @@ std::size_t conversionLength(std::string_view text) {
   return letters.find(text[position]) == std::string_view::npos ? 0 : position + 1;
 }
 
-void appendPadded(std::string& output, std::string_view text, const Specification& field) {
+void appendPadded(std::string& output, std::string_view text, const Conversion& field) {
   const auto width = static_cast<std::size_t>(field.width);
   const std::size_t padding = width > text.size() ? width - text.size() : 0;
   if (!field.has('-')) output.append(padding, ' ');
@@ -75,9 +75,9 @@ void appendDecimal(std::string& output, Integer value, int base = 10) {
   output.append(digits, end);
 }
 
-// printf with a specification rebuilt from checked pieces.
+// printf with a conversion rebuilt from checked pieces.
 template <class Value>
-void appendPrinted(std::string& output, const Specification& field, std::string_view conversion,
+void appendPrinted(std::string& output, const Conversion& field, std::string_view conversion,
                    Value value) {
   std::string pattern = "%";
   pattern += field.flags;
@@ -132,7 +132,7 @@ void FormatArgument::appendDescription(std::string& output) const {
       appendDecimal(output, unsigned_);
       return;
     case Kind::real:
-      appendPrinted(output, Specification{}, "g", real_);
+      appendPrinted(output, Conversion{}, "g", real_);
       return;
     case Kind::text:
       output += text_;
@@ -165,10 +165,10 @@ bool FormatArgument::appendPlainInteger(std::string& output, char letter) const 
   }
 }
 
-void FormatArgument::appendInteger(std::string& output, std::string_view specification) const {
+void FormatArgument::appendInteger(std::string& output, std::string_view conversion) const {
   const bool integer = kind_ == Kind::signedInteger || kind_ == Kind::unsignedInteger;
-  if (!integer) return appendText(output, specification);
-  const Specification field = parse(specification);
+  if (!integer) return appendText(output, conversion);
+  const Conversion field = parse(conversion);
   if (field.isPlain() && appendPlainInteger(output, field.letter)) return;
   switch (field.letter) {
     case 'd':
@@ -191,14 +191,14 @@ void FormatArgument::appendInteger(std::string& output, std::string_view specifi
   appendPadded(output, character, field);
 }
 
-void FormatArgument::appendReal(std::string& output, std::string_view specification) const {
-  if (kind_ != Kind::real) return appendText(output, specification);
-  const Specification field = parse(specification);
+void FormatArgument::appendReal(std::string& output, std::string_view conversion) const {
+  if (kind_ != Kind::real) return appendText(output, conversion);
+  const Conversion field = parse(conversion);
   appendPrinted(output, field, std::string_view(&field.letter, 1), real_);
 }
 
-void FormatArgument::appendText(std::string& output, std::string_view specification) const {
-  const Specification field = parse(specification);
+void FormatArgument::appendText(std::string& output, std::string_view conversion) const {
+  const Conversion field = parse(conversion);
   if (field.isPlain()) return appendDescription(output);
   std::string text;
   appendDescription(text);
@@ -206,29 +206,29 @@ void FormatArgument::appendText(std::string& output, std::string_view specificat
   appendPadded(output, cut ? prefix(text, field.precision) : std::string_view(text), field);
 }
 
-void FormatArgument::appendTo(std::string& output, std::string_view specification) const {
-  if (specification == "%@") return appendDescription(output);
-  switch (specification.back()) {
+void FormatArgument::appendTo(std::string& output, std::string_view conversion) const {
+  if (conversion == "%@") return appendDescription(output);
+  switch (conversion.back()) {
     case '@':
     case 's':
-      return appendText(output, specification);
+      return appendText(output, conversion);
     case 'f':
     case 'F':
     case 'e':
     case 'E':
     case 'g':
     case 'G':
-      return appendReal(output, specification);
+      return appendReal(output, conversion);
     case 'p':
       break;
     default:
-      return appendInteger(output, specification);
+      return appendInteger(output, conversion);
   }
   const void* address = kind_ == Kind::object ? object_.object : pointer_;
   const bool isAddress = kind_ == Kind::object || kind_ == Kind::pointer;
-  if (isAddress) return FormatArgument(address).appendText(output, specification);
+  if (isAddress) return FormatArgument(address).appendText(output, conversion);
   if (kind_ == Kind::null) return FormatArgument("0x0").appendText(output, "%s");
-  appendText(output, specification);
+  appendText(output, conversion);
 }
 
 std::string formatArguments(std::string_view format, std::span<const FormatArgument> arguments) {

@@ -28,14 +28,16 @@ class FormatArgument {
   FormatArgument(std::nullopt_t) {}
   FormatArgument(bool value) : kind_(Kind::signedInteger), signed_(value) {}
   template <class T>
-    requires(std::integral<T> && !std::same_as<T, bool> && std::is_signed_v<T>)
-  FormatArgument(T value) : kind_(Kind::signedInteger), width_(sizeof(T)), signed_(value) {}
+  requires(std::integral<T> && !std::same_as<T, bool> && std::is_signed_v<T>)
+      FormatArgument(T value)
+      : kind_(Kind::signedInteger), width_(sizeof(T)), signed_(value) {}
   template <class T>
-    requires(std::integral<T> && !std::same_as<T, bool> && std::is_unsigned_v<T>)
-  FormatArgument(T value) : kind_(Kind::unsignedInteger), width_(sizeof(T)), unsigned_(value) {}
+  requires(std::integral<T> && !std::same_as<T, bool> && std::is_unsigned_v<T>)
+      FormatArgument(T value)
+      : kind_(Kind::unsignedInteger), width_(sizeof(T)), unsigned_(value) {}
   template <class T>
-    requires std::is_enum_v<T>
-  FormatArgument(T value) : FormatArgument(static_cast<std::underlying_type_t<T>>(value)) {}
+  requires std::is_enum_v<T> FormatArgument(T value)
+      : FormatArgument(static_cast<std::underlying_type_t<T>>(value)) {}
   FormatArgument(double value) : kind_(Kind::real), real_(value) {}
   FormatArgument(const char* text) : FormatArgument(NullableText(text)) {}
   FormatArgument(std::string_view text) : kind_(Kind::text), text_(text) {}
@@ -48,26 +50,32 @@ class FormatArgument {
   FormatArgument(const std::optional<T>& value)
       : FormatArgument(value ? FormatArgument(*value) : FormatArgument(nullptr)) {}
   template <class T>
-    requires requires(const T& pointer) {
-      typename T::element_type;
-      { pointer.get() } -> std::same_as<typename T::element_type*>;
-    }
+  requires requires(const T& pointer) {
+    typename T::element_type;
+    { pointer.get() } -> std::same_as<typename T::element_type*>;
+  }
   FormatArgument(const T& pointer) : FormatArgument(pointer.get()) {}
   template <class T>
-    requires(!std::same_as<std::remove_cv_t<T>, char>)
-  FormatArgument(T* pointer) : kind_(pointer ? Kind::pointer : Kind::null), pointer_(pointer) {
+  requires(!std::same_as<std::remove_cv_t<T>, char>) FormatArgument(T* pointer)
+      : kind_(pointer ? Kind::pointer : Kind::null), pointer_(pointer) {
     if constexpr (Describable<T>) {
       if (pointer) *this = FormatArgument(*pointer);
     }
   }
 
-  /// Appends the argument as the conversion of `specification` (from its "%" up to and including
+  /// Appends the argument as the conversion of `conversion` (from its "%" up to and including
   /// its letter) prints it.
-  void appendTo(std::string& output, std::string_view specification) const;
+  void appendTo(std::string& output, std::string_view conversion) const;
 
  private:
   enum class Kind : std::uint8_t {
-    null, signedInteger, unsignedInteger, real, text, pointer, object
+    null,
+    signedInteger,
+    unsignedInteger,
+    real,
+    text,
+    pointer,
+    object
   };
   struct ObjectView {
     const void* object;
@@ -82,9 +90,9 @@ class FormatArgument {
   std::uint64_t bits() const;
   void appendDescription(std::string& output) const;
   bool appendPlainInteger(std::string& output, char letter) const;
-  void appendInteger(std::string& output, std::string_view specification) const;
-  void appendReal(std::string& output, std::string_view specification) const;
-  void appendText(std::string& output, std::string_view specification) const;
+  void appendInteger(std::string& output, std::string_view conversion) const;
+  void appendReal(std::string& output, std::string_view conversion) const;
+  void appendText(std::string& output, std::string_view conversion) const;
 
   Kind kind_ = Kind::null;
   std::uint8_t width_ = sizeof(int);

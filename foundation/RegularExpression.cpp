@@ -84,8 +84,8 @@ Result<RegularExpression> RegularExpression::regularExpressionWithPattern(std::s
                  format("The value is not a regular expression: %s at line %d, offset %d.",
                         u_errorName(status), place.line, place.offset));
   }
-  return RegularExpression(std::make_shared<const Compiled>(
-      Compiled{std::string(pattern), options, std::move(engine)}));
+  return RegularExpression(
+      std::make_shared<const Compiled>(Compiled{std::string(pattern), options, std::move(engine)}));
 }
 
 std::string RegularExpression::escapedPatternForString(std::string_view text) {
@@ -116,7 +116,8 @@ std::optional<RegularExpression::Match> RegularExpression::firstMatchInString(
     if (U_FAILURE(status) || start < 0) {
       match.emplace_back();
     } else {
-      match.push_back(Range{static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)});
+      match.push_back(
+          Range{static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)});
     }
   }
   return match;

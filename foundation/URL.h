@@ -24,7 +24,8 @@ class URL {
 
   /// A URL from its text. A "file:" text with an empty or "localhost" authority becomes a file
   /// URL, its escapes resolved; other texts need a scheme (RFC 3986, section 3.1) and are kept.
-  /// Nothing for a text without a scheme, and for a file URL with a malformed escape or a zero byte.
+  /// Nothing for a text without a scheme, and for a file URL with a malformed escape or a zero
+  /// byte.
   static std::optional<URL> URLWithString(std::string_view text);
 
   bool isFileURL() const { return isFile_; }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "foundation/ClassName.h"
+#include "logging/DDLogMessagePool.h"
 #include "logging/DDLoggerNode.h"
 #include "logging/DDRegisteredClass.h"
 #include "platform/Console.h"
@@ -139,8 +140,8 @@ class DDLog::Dispatcher {
   }
 
   void submitAsynchronously(DDLogMessage&& message, bool counted) {
-    queue_->async([this, waitingMessage = std::move(message), counted] {
-      dispatch(waitingMessage);
+    queue_->async([this, held = pool_.hold(std::move(message)), counted] {
+      dispatch(*held);
       if (counted) waiting_.signal();
     });
   }
@@ -178,6 +179,7 @@ class DDLog::Dispatcher {
   const QueueRef queue_ = Queue::serialQueue("cocoa.quillwort");
   const unsigned processorCount_ = platform::Process::processorCount();
   std::vector<DDLoggerNode> nodes_;
+  DDLogMessagePool pool_;
   platform::Group group_;
   platform::Semaphore waiting_{maximumWaitingMessages};
   std::atomic<bool> exiting_{false};

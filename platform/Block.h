@@ -18,8 +18,8 @@ class Block {
   Block() = default;
   Block(std::nullptr_t) {}
   template <class F>
-    requires(!std::same_as<std::remove_cvref_t<F>, Block> && std::invocable<std::decay_t<F>&>)
-  Block(F&& function) {
+  requires(!std::same_as<std::remove_cvref_t<F>, Block> && std::invocable<std::decay_t<F>&>)
+      Block(F&& function) {
     using Callable = std::decay_t<F>;
     if constexpr (fits<Callable>) {
       ::new (static_cast<void*>(storage_)) Callable(std::forward<F>(function));
@@ -56,8 +56,9 @@ class Block {
   };
 
   template <class F>
-  static constexpr bool fits = sizeof(F) <= capacity && alignof(F) <= alignof(void*) &&
-                               std::is_nothrow_move_constructible_v<F>;
+  static constexpr bool fits =
+      sizeof(F) <= capacity &&
+      alignof(F) <= alignof(void*) && std::is_nothrow_move_constructible_v<F>;
 
   template <class F>
   static F& at(void* storage) {

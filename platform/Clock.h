@@ -37,7 +37,8 @@ class Alarm {
 /// The time, and what drives every timer. Thread safety: any thread.
 class Clock : public Service<Clock> {
  public:
-  using MonotonicTime = std::chrono::time_point<std::chrono::steady_clock, std::chrono::nanoseconds>;
+  using MonotonicTime =
+      std::chrono::time_point<std::chrono::steady_clock, std::chrono::nanoseconds>;
 
   static Clock& production();
 

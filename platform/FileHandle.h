@@ -42,8 +42,8 @@ class FileHandle {
   /// Writes all bytes. On an error some may have been written.
   foundation::Result<void> write(foundation::DataView data) const;
 
-  /// Writes all bytes at the end of a file opened for appending, or none: what was written before an
-  /// error is cut off again, unless others have written behind it.
+  /// Writes all bytes at the end of a file opened for appending, or none: what was written before
+  /// an error is cut off again, unless others have written behind it.
   foundation::Result<void> append(foundation::DataView data) const;
 
   /// The size of the file, or an error.

@@ -17,8 +17,8 @@ namespace platform {
 
 /// Files and folders by path. Errors name the call, its operand and the system's reason.
 ///
-/// Paths are bytes; one that holds a zero byte is refused (EINVAL). Every descriptor that is opened is close-on-exec, an interrupted call is
-/// repeated. Thread safety: any thread.
+/// Paths are bytes; one that holds a zero byte is refused (EINVAL). Every descriptor that is opened
+/// is close-on-exec, an interrupted call is repeated. Thread safety: any thread.
 namespace FileSystem {
 
 enum class FileType { regular, directory, symbolicLink, other };

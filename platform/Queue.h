@@ -23,10 +23,10 @@ using QueueRef = std::shared_ptr<Queue>;
 /// A serial dispatch queue: blocks run one at a time, each from start to end.
 ///
 /// `async` blocks run in the order of submission on threads of a pool, which grows when its threads
-/// wait in `sync`, `Group::wait`, `Semaphore::wait` or a `BlockingRegion` (512 threads at the most),
-/// so queues may wait for one another. `sync` runs the block on the caller's thread, without a
-/// thread switch when the queue is idle. Callers of `sync` from different threads may overtake each
-/// other, but never an `async` that was submitted before.
+/// wait in `sync`, `Group::wait`, `Semaphore::wait` or a `BlockingRegion` (512 threads at the
+/// most), so queues may wait for one another. `sync` runs the block on the caller's thread, without
+/// a thread switch when the queue is idle. Callers of `sync` from different threads may overtake
+/// each other, but never an `async` that was submitted before.
 ///
 /// An exception that leaves a `sync` block passes on to the caller, and the queue goes on; one that
 /// leaves an `async` block ends the process with a message. `sync` onto a queue that the calling
@@ -96,8 +96,7 @@ class Queue : public std::enable_shared_from_this<Queue> {
   class FunctionView {
    public:
     template <class F>
-      requires(!std::same_as<std::remove_cvref_t<F>, FunctionView>)
-    explicit FunctionView(F& function)
+    requires(!std::same_as<std::remove_cvref_t<F>, FunctionView>) explicit FunctionView(F& function)
         : object_(const_cast<void*>(static_cast<const void*>(std::addressof(function)))),
           call_([](void* object) { static_cast<void>((*static_cast<F*>(object))()); }) {}
     void operator()() const { call_(object_); }
@@ -139,11 +138,12 @@ class Queue : public std::enable_shared_from_this<Queue> {
   bool isOwned() const ZARVO_REQUIRES(mutex_) { return (state_.load() & owned) != 0; }
   void clearLineIfEmpty() ZARVO_REQUIRES(mutex_);
 
-  // The queue is owned by the thread that runs its blocks. `state_` tells whether it is, and whether
-  // anything is in line; a queue with neither changes hands by that word alone. With something in
-  // line every change is made under the lock, and whoever gives the queue up passes it on: to the
-  // first waiter that may go, else to the pool. Waiters and blocks are told apart by number: a
-  // waiter remembers how many blocks were queued before it, and may go once so many have run.
+  // The queue is owned by the thread that runs its blocks. `state_` tells whether it is, and
+  // whether anything is in line; a queue with neither changes hands by that word alone. With
+  // something in line every change is made under the lock, and whoever gives the queue up passes it
+  // on: to the first waiter that may go, else to the pool. Waiters and blocks are told apart by
+  // number: a waiter remembers how many blocks were queued before it, and may go once so many have
+  // run.
   enum State : std::uint32_t { idle = 0, owned = 1, line = 2 };
   std::atomic<std::uint32_t> state_{idle};
   mutable foundation::Mutex mutex_;

@@ -31,6 +31,7 @@ class Semaphore {
 
   std::atomic<std::int64_t> value_;
   std::atomic<std::int32_t> sleepers_{0};
+  std::atomic<std::int32_t> woken_{0};  // sleepers that were woken and do not run yet
   foundation::Mutex mutex_;
   foundation::Condition signalled_;
 };

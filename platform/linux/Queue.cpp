@@ -56,9 +56,7 @@ Queue::Queue(foundation::NullableText label)
 
 Queue::~Queue() = default;
 
-QueueRef Queue::serialQueue(foundation::NullableText label) {
-  return QueueRef(new Queue(label));
-}
+QueueRef Queue::serialQueue(foundation::NullableText label) { return QueueRef(new Queue(label)); }
 
 Queue* Queue::current() {
   if (innermost) return static_cast<Context*>(innermost)->queue;
@@ -218,9 +216,7 @@ class MainThreadQueue final : public Queue {
  public:
   MainThreadQueue() : Queue("main-thread") {}
 
-  static MainThreadQueue& shared() {
-    return static_cast<MainThreadQueue&>(*Queue::mainQueue());
-  }
+  static MainThreadQueue& shared() { return static_cast<MainThreadQueue&>(*Queue::mainQueue()); }
 
   using Queue::async;
 

@@ -38,7 +38,7 @@ class ThreadPool {
   foundation::Mutex mutex_;
   foundation::Condition submitted_;
   std::deque<QueueRef> ready_ ZARVO_GUARDED_BY(mutex_);
-  std::atomic<std::size_t> waiting_{0};               // the size of `ready_`, for a look without the lock
+  std::atomic<std::size_t> waiting_{0};  // the size of `ready_`, for a look without the lock
   unsigned threads_ ZARVO_GUARDED_BY(mutex_) = 0;
   unsigned idle_ ZARVO_GUARDED_BY(mutex_) = 0;     // threads asleep in `awaitWork`
   unsigned stopped_ ZARVO_GUARDED_BY(mutex_) = 0;  // threads between `beginWait` and `endWait`

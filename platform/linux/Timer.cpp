@@ -31,8 +31,8 @@ class Timer::Source : public Alarm, public std::enable_shared_from_this<Source> 
            foundation::TimeInterval leeway) {
     foundation::MutexLock lock(mutex_);
     if (cancelled_) return;
-    ticket_ = clock_.set(shared_from_this(), hand, deadline, nanoseconds(interval),
-                         nanoseconds(leeway));
+    ticket_ =
+        clock_.set(shared_from_this(), hand, deadline, nanoseconds(interval), nanoseconds(leeway));
   }
 
   // The handler may be running, and may be what cancels: the queue lets go of it afterwards.
@@ -75,8 +75,7 @@ class Timer::Source : public Alarm, public std::enable_shared_from_this<Source> 
 Timer::Timer(std::shared_ptr<Source> source) : source_(std::move(source)) {}
 
 std::shared_ptr<Timer> Timer::timer(QueueRef queue, Block handler) {
-  return TimerRef(
-      new Timer(std::make_shared<Source>(std::move(queue), std::move(handler))));
+  return TimerRef(new Timer(std::make_shared<Source>(std::move(queue), std::move(handler))));
 }
 
 Timer::~Timer() { source_->cancel(); }

@@ -43,7 +43,8 @@ bool Group::wait(std::chrono::nanoseconds duration) {
 void Group::notify(QueueRef queue, Block block) {
   {
     foundation::MutexLock lock(mutex_);
-    if (members_ > 0) return notifications_.emplace_back(std::move(queue), std::move(block)), void();
+    if (members_ > 0)
+      return notifications_.emplace_back(std::move(queue), std::move(block)), void();
   }
   queue->async(std::move(block));
 }

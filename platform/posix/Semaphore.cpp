@@ -16,7 +16,7 @@ unsigned spinCount() {
 }  // namespace
 
 bool Semaphore::tryTake() {
-  std::int64_t value = value_.load(std::memory_order_relaxed);
+  std::int64_t value = value_.load();
   while (value > 0) {
     if (value_.compare_exchange_weak(value, value - 1)) return true;
   }
@@ -31,7 +31,10 @@ void Semaphore::wait() {
   const BlockingRegion waiting;
   foundation::MutexLock lock(mutex_);
   ++sleepers_;
-  while (!tryTake()) signalled_.wait(mutex_);
+  while (!tryTake()) {
+    signalled_.wait(mutex_);
+    if (woken_ > 0) --woken_;
+  }
   --sleepers_;
 }
 
@@ -46,6 +49,7 @@ bool Semaphore::wait(std::chrono::nanoseconds duration) {
     const auto left = deadline - std::chrono::steady_clock::now();
     if (left <= left.zero()) break;
     signalled_.waitFor(mutex_, left);
+    if (woken_ > 0) --woken_;
     taken = tryTake();
   }
   --sleepers_;
@@ -53,11 +57,14 @@ bool Semaphore::wait(std::chrono::nanoseconds duration) {
 }
 
 // A sleeper counts itself before its last look at the value, and the value is raised here before
-// the look at the sleepers: one of the two sees the other.
+// the look at the sleepers: one of the two sees the other. A sleeper on its way needs no second
+// wake-up: whoever signals fast would spend its time on nothing else.
 void Semaphore::signal() {
   value_.fetch_add(1);
-  if (sleepers_.load() == 0) return;
+  if (sleepers_.load() <= woken_.load()) return;
   foundation::MutexLock lock(mutex_);
+  if (sleepers_ <= woken_) return;
+  ++woken_;
   signalled_.notifyOne();
 }
 

@@ -25,9 +25,9 @@ struct SimulatedClock::State {
   /// Goes on to the next alarm, at the most to `end`; returns what fires there.
   std::vector<AlarmHeap::Due> step(std::int64_t end) ZARVO_REQUIRES(mutex) {
     const std::int64_t wallNext = wallAlarms.nextTime();
-    const std::int64_t next = std::min(
-        monotonicAlarms.nextTime(),
-        wallNext == AlarmHeap::never ? AlarmHeap::never : wallNext - wallOffset);
+    const std::int64_t next =
+        std::min(monotonicAlarms.nextTime(),
+                 wallNext == AlarmHeap::never ? AlarmHeap::never : wallNext - wallOffset);
     monotonic = std::max(monotonic, std::min(end, next));
     std::vector<AlarmHeap::Due> due = monotonicAlarms.takeDue(monotonic);
     for (AlarmHeap::Due& entry : wallAlarms.takeDue(monotonic + wallOffset)) {
