@@ -20,9 +20,9 @@ struct UninitializedAllocator : std::allocator<T> {
   void construct(U* place) noexcept {
     ::new (static_cast<void*>(place)) U;
   }
-  template <class U, class... Arguments>
-  void construct(U* place, Arguments&&... arguments) {
-    ::new (static_cast<void*>(place)) U(std::forward<Arguments>(arguments)...);
+  template <class U, class Argument>
+  void construct(U* place, Argument&& argument) {
+    ::new (static_cast<void*>(place)) U(static_cast<U>(argument));
   }
 };
 

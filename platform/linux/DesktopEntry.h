@@ -7,7 +7,7 @@
 
 namespace platform {
 
-/// What a desktop entry says of an application (freedesktop.org Desktop Entry Specification 1.5).
+/// What a desktop entry says of an application (freedesktop.org Desktop Entry format, version 1.5).
 struct DesktopEntry {
   bool isApplication = false;        ///< "Type" is "Application"
   bool hidden = false;               ///< as if the entry were not there, nor one further down

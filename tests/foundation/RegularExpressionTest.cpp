@@ -17,7 +17,6 @@ TEST(RegularExpression, FindsTheFirstMatchInBytes) {
   };
   const Row rows[] = {
       {"b+", 0, "abbc", Match{Range{1, 2}}},
-      {"x", 0, "abc", std::nullopt},
       {"(a)|(b)", 0, "\u00E4b", Match{Range{2, 1}, std::nullopt, Range{2, 1}}},
       {"\u00E4(.)", 0, "-\u00E4\u20AC", Match{Range{1, 5}, Range{3, 3}}},
       {"B", RegularExpression::caseInsensitive, "ab", Match{Range{1, 1}}},
@@ -41,21 +40,14 @@ TEST(RegularExpression, FindsTheFirstMatchInBytes) {
 TEST(RegularExpression, EscapedTextMatchesItselfOnly) {
   std::string text;
   for (char c = 1; c < 127; ++c) text += c;
-  const std::string escaped = RegularExpression::escapedPatternForString(text);
-  const auto expression = RegularExpression::regularExpressionWithPattern(escaped);
-  ASSERT_TRUE(expression);
+  const auto expression = RegularExpression::regularExpressionWithPattern(
+      RegularExpression::escapedPatternForString(text));
   EXPECT_EQ(expression->firstMatchInString(text), (Match{Range{0, text.size()}}));
 }
 
-TEST(RegularExpression, TellsWhyAPatternIsNone) {
-  const auto expression = RegularExpression::regularExpressionWithPattern("a\n(b");
-  ASSERT_FALSE(expression);
-  EXPECT_EQ(expression.error().localizedDescription(),
+TEST(RegularExpression, GivesUpWhatIsNoneOrWouldTakeForever) {
+  EXPECT_EQ(RegularExpression::regularExpressionWithPattern("a\n(b").error().localizedDescription(),
             "The value is not a regular expression: U_REGEX_MISMATCHED_PAREN at line 2, offset 2.");
-}
-
-TEST(RegularExpression, GivesUpWhatWouldTakeForever) {
   const auto expression = RegularExpression::regularExpressionWithPattern("^(a|a|aa)*$");
-  ASSERT_TRUE(expression);
   EXPECT_FALSE(expression->matches(std::string(200, 'a') + "b"));
 }

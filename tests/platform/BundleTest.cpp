@@ -6,17 +6,11 @@ namespace {
 
 using platform::Bundle;
 
-const bool embedded = [] {
+TEST(Bundle, NamesTheExecutableAndSaysWhatItEmbeds) {
   platform::embedInfoDictionary({{"CFBundleIdentifier", "com.example.tests"}, {"Count", 3}});
-  return true;
-}();
-
-TEST(Bundle, SaysWhatTheProgramEmbeds) {
-  ASSERT_TRUE(embedded);
   EXPECT_EQ(Bundle::production().bundleIdentifier(), "com.example.tests");
   EXPECT_EQ(Bundle::production().infoDictionary().size(), 2u);
+  EXPECT_EQ(Bundle::production().processName(), "SystemTests");
 }
-
-TEST(Bundle, NamesTheExecutable) { EXPECT_EQ(Bundle::production().processName(), "SystemTests"); }
 
 }  // namespace

@@ -1,73 +1,71 @@
-#include "platform/Queue.h"
-
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
-#include <future>
+#include <functional>
 #include <memory>
 #include <numeric>
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "platform/Group.h"
 #include "platform/Process.h"
+#include "platform/Queue.h"
 #include "platform/Semaphore.h"
 
 using platform::Group;
-using platform::MainQueue::drain;
 using platform::Queue;
 using platform::QueueRef;
 using platform::Semaphore;
 
-TEST(Queue, RunsBlocksOneAtATimeInTheOrderOfSubmission) {
-  const QueueRef queue = Queue::serialQueue("order");
-  std::vector<int> seen;
-  for (int i = 0; i < 10000; ++i) queue->async([&seen, i] { seen.push_back(i); });
+namespace {
+
+void onFourThreads(const std::function<void()>& body) {
+  std::vector<std::thread> threads(4);
+  for (std::thread& thread : threads) thread = std::thread(body);
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+
+TEST(Queue, RunsItsBlocksInOrderAlsoWhenNobodyHoldsIt) {
   std::vector<int> expected(10000);
   std::iota(expected.begin(), expected.end(), 0);
-  EXPECT_EQ(queue->sync([&] { return seen; }), expected);
+  std::vector<int> seen;
+  Semaphore begin(0);
+  Semaphore end(0);
+  QueueRef queue = Queue::serialQueue("orphan");
+  queue->async([&] { begin.wait(); });
+  for (const int i : expected) queue->async([&seen, i] { seen.push_back(i); });
+  queue->async([&] { end.signal(); });
+  queue.reset();
+  begin.signal();
+  end.wait();
+  EXPECT_EQ(seen, expected);
 }
 
-TEST(Queue, SyncOnAnIdleQueueRunsOnTheCallersThread) {
-  const QueueRef queue = Queue::serialQueue("idle");
-  EXPECT_EQ(queue->sync([] { return std::this_thread::get_id(); }), std::this_thread::get_id());
-}
-
-TEST(Queue, SyncNeverOvertakesAnEarlierAsyncOfItsCaller) {
-  const QueueRef queue = Queue::serialQueue("mixed");
+TEST(Queue, SyncExcludesItsCallersAndNeverOvertakesTheirAsyncs) {
+  const QueueRef queue = Queue::serialQueue("sync");
   std::atomic<int> mistakes{0};
-  std::vector<std::thread> callers;
-  for (int t = 0; t < 4; ++t) {
-    callers.emplace_back([&] {
-      for (int i = 0; i < 2000; ++i) {
-        const auto done = std::make_shared<bool>(false);
-        queue->async([done] { *done = true; });
-        if (!queue->sync([&] { return *done; })) ++mistakes;
-      }
-    });
-  }
-  for (std::thread& caller : callers) caller.join();
+  onFourThreads([&] {
+    for (int i = 0; i < 2000; ++i) {
+      const auto done = std::make_shared<bool>(false);
+      queue->async([done] { *done = true; });
+      if (!queue->sync([&] { return *done; })) ++mistakes;
+    }
+  });
   EXPECT_EQ(mistakes, 0);
-}
-
-TEST(Queue, ExcludesSyncCallersFromOneAnother) {
-  const QueueRef queue = Queue::serialQueue("exclusion");
   long count = 0;
-  std::vector<std::thread> callers;
-  for (int t = 0; t < 4; ++t) {
-    callers.emplace_back([&] {
-      for (int i = 0; i < 20000; ++i) queue->sync([&] { ++count; });
-    });
-  }
-  for (std::thread& caller : callers) caller.join();
+  onFourThreads([&] {
+    for (int i = 0; i < 20000; ++i) queue->sync([&] { ++count; });
+  });
   EXPECT_EQ(count, 80000);
 }
 
-TEST(Queue, ExceptionsLeaveSyncAndTheQueueGoesOn) {
-  const QueueRef queue = Queue::serialQueue("exceptions");
+TEST(Queue, SyncOnAnIdleQueueRunsOnTheCallersThreadAndPassesExceptionsOn) {
+  const QueueRef queue = Queue::serialQueue("idle");
   EXPECT_THROW(queue->sync([] { throw std::runtime_error("x"); }), std::runtime_error);
-  EXPECT_EQ(queue->sync([] { return 7; }), 7);
+  EXPECT_EQ(queue->sync([] { return std::this_thread::get_id(); }), std::this_thread::get_id());
 }
 
 TEST(QueueDeathTest, StopsOnWhatCouldNeverReturnOrHasNobodyToGoTo) {
@@ -91,32 +89,17 @@ TEST(Queue, KnowsTheCurrentQueueAndItsSpecifics) {
   const QueueRef outer = Queue::serialQueue("outer");
   const QueueRef inner = Queue::serialQueue(nullptr);
   int key = 0;
-  int value = 0;
-  outer->setSpecific(&key, &value);
-  EXPECT_EQ(*inner->label(), "");
-  EXPECT_EQ(Queue::current(), Queue::mainQueue().get());
+  outer->setSpecific(&key, &key);
+  inner->async([&] { EXPECT_FALSE(outer->isCurrentThreadInside()); });
   outer->sync([&] {
-    EXPECT_EQ(Queue::currentSpecific(&key), &value);
+    EXPECT_EQ(Queue::currentSpecific(&key), &key);
     inner->sync([&] {
       EXPECT_EQ(Queue::current(), inner.get());
       EXPECT_EQ(Queue::currentSpecific(&key), nullptr);
       EXPECT_TRUE(outer->isCurrentThreadInside());
     });
   });
-  EXPECT_FALSE(outer->isCurrentThreadInside());
-  std::thread([] { EXPECT_EQ(Queue::current(), nullptr); }).join();
-}
-
-TEST(Queue, LivesUntilItsLastBlockHasRun) {
-  std::promise<std::string> label;
-  Semaphore gate(0);
-  {
-    const QueueRef queue = Queue::serialQueue("orphan");
-    queue->async([&] { gate.wait(); });
-    queue->async([&] { label.set_value(*Queue::current()->label()); });
-  }
-  gate.signal();
-  EXPECT_EQ(label.get_future().get(), "orphan");
+  EXPECT_EQ(Queue::current(), Queue::mainQueue().get());
 }
 
 // Each block waits for the next queue, far more of them than there are processors.
@@ -127,11 +110,8 @@ TEST(Queue, QueuesThatWaitForOneAnotherDoNotStarveThePool) {
   Group group;
   for (std::size_t i = 0; i < queues.size(); ++i) {
     queues[i]->async(group, [&, i] {
-      if (i + 1 == queues.size()) {
-        last.wait();
-      } else {
-        queues[i + 1]->sync([] {});
-      }
+      if (i + 1 == queues.size()) return last.wait();
+      queues[i + 1]->sync([] {});
     });
   }
   last.signal();
@@ -139,19 +119,18 @@ TEST(Queue, QueuesThatWaitForOneAnotherDoNotStarveThePool) {
 }
 
 TEST(MainQueue, RunsItsBlocksOnTheMainThreadOnly) {
-  const auto mainThread = std::this_thread::get_id();
-  std::vector<bool> onMain;
-  std::future<void> other = std::async(std::launch::async, [&] {
-    const auto note = [&] { onMain.push_back(std::this_thread::get_id() == mainThread); };
-    Queue::mainQueue()->async(note);
-    Queue::mainQueue()->sync(note);
-    EXPECT_THROW(Queue::mainQueue()->sync([] { throw std::runtime_error("x"); }),
-                 std::runtime_error);
+  int runs = 0;
+  const auto run = [&] { runs += platform::Process::isMainThread(); };
+  std::thread other([&] {
+    Queue::mainQueue()->async(run);
+    Queue::mainQueue()->sync(run);
+    const auto failing = [] { throw std::runtime_error("x"); };
+    EXPECT_THROW(Queue::mainQueue()->sync(failing), std::runtime_error);
     platform::MainQueue::stop();
   });
   platform::MainQueue::run();
-  other.get();
-  EXPECT_EQ(onMain, std::vector<bool>({true, true}));
+  other.join();
+  EXPECT_EQ(runs, 2);
 }
 
 TEST(MainQueue, DrainRunsWhatWaitsNow) {
@@ -160,9 +139,9 @@ TEST(MainQueue, DrainRunsWhatWaitsNow) {
     ++runs;
     Queue::mainQueue()->async([&] { ++runs; });
   });
-  drain();
+  platform::MainQueue::drain();
   EXPECT_EQ(runs, 1);
-  drain();
+  platform::MainQueue::drain();
   EXPECT_EQ(runs, 2);
 }
 
@@ -173,25 +152,23 @@ TEST(Group, WaitsForItsMembersAndNotifies) {
   group.wait();
   queue->async(group, [&] { gate.wait(); });
   EXPECT_FALSE(group.wait(std::chrono::milliseconds(1)));
-  std::promise<void> told;
-  group.notify(queue, [&] { told.set_value(); });
+  Semaphore told(0);
+  group.notify(queue, [&] { told.signal(); });
   gate.signal();
   group.wait();
-  told.get_future().get();
+  told.wait();
 }
 
 TEST(Semaphore, BlocksAtZeroAndLosesNoSignal) {
-  Semaphore semaphore(2);
-  EXPECT_TRUE(semaphore.wait(std::chrono::nanoseconds(0)));
+  Semaphore semaphore(1);
   EXPECT_TRUE(semaphore.wait(std::chrono::nanoseconds(0)));
   EXPECT_FALSE(semaphore.wait(std::chrono::milliseconds(1)));
-  std::vector<std::thread> takers;
-  for (int t = 0; t < 4; ++t) {
-    takers.emplace_back([&] {
-      for (int i = 0; i < 5000; ++i) semaphore.wait();
-    });
-  }
-  for (int i = 0; i < 20000; ++i) semaphore.signal();
-  for (std::thread& taker : takers) taker.join();
+  std::thread signaller([&] {
+    for (int i = 0; i < 20000; ++i) semaphore.signal();
+  });
+  onFourThreads([&] {
+    for (int i = 0; i < 5000; ++i) semaphore.wait();
+  });
+  signaller.join();
   EXPECT_FALSE(semaphore.wait(std::chrono::nanoseconds(0)));
 }

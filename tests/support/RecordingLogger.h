@@ -43,6 +43,16 @@ class RecordingLogger : public DDAbstractLogger {
     return lines;
   }
 
+  /// Each message as its flag, its line number and its text: "2 191 (ZCFFileUtils) Error …".
+  std::vector<std::string> numberedLines() {
+    std::vector<std::string> lines;
+    for (const DDLogMessage& message : messages()) {
+      lines.push_back(std::to_string(message.logFlag()) + " " +
+                      std::to_string(message.lineNumber()) + " " + message.logMsg());
+    }
+    return lines;
+  }
+
  private:
   foundation::Mutex mutex_;
   std::vector<DDLogMessage> messages_ ZARVO_GUARDED_BY(mutex_);

@@ -1,25 +1,19 @@
 #include <unistd.h>
 
 #include <set>
-#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "ZCommons/Files/ZCFFileUtils.h"
-#include "foundation/Format.h"
 #include "foundation/NSException.h"
 #include "platform/FileSystem.h"
 #include "platform/SimulatedClock.h"
 #include "tests/support/RecordingLogger.h"
 #include "tests/support/TemporaryFolder.h"
 
-using foundation::Date;
 using foundation::distantFuture;
 using foundation::URL;
-using std::chrono::seconds;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 namespace FileSystem = platform::FileSystem;
 
@@ -37,28 +31,12 @@ class ZCFFileUtilsTest : public testing::Test {
     return url(name);
   }
 
-  void makeFolder(std::string_view name) const {
-    EXPECT_TRUE(FileSystem::createDirectory(folder.path(name)));
-  }
-
-  /// The warnings so far, each as its line number, a blank, and its text.
-  std::vector<std::string> warnings() {
-    std::vector<std::string> lines;
-    for (const DDLogMessage& message : logger->messages()) {
-      EXPECT_EQ(message.logFlag(), DDLogFlag::warning);
-      lines.push_back(foundation::format("%d %@", message.lineNumber(), message.logMsg()));
-    }
-    return lines;
-  }
-
   /// The names found, relative to the folder.
   std::set<std::string> found(const char* name, std::size_t level, bool ignoreDirectory) const {
     std::set<std::string> names;
-    const URL directory = URL::fileURLWithPath(folder.path(), URL::Kind::directory);
-    const std::string prefix = directory.absoluteString();
-    for (const URL& entry : ZCFFileUtils::findUrlByName(name, directory, level, ignoreDirectory)) {
-      EXPECT_TRUE(entry.absoluteString().starts_with(prefix));
-      names.insert(entry.absoluteString().substr(prefix.size()));
+    const URL root = url("");
+    for (const URL& entry : ZCFFileUtils::findUrlByName(name, root, level, ignoreDirectory)) {
+      names.insert(entry.absoluteString().substr(root.absoluteString().size()));
     }
     return names;
   }
@@ -70,161 +48,109 @@ class ZCFFileUtilsTest : public testing::Test {
 }  // namespace
 
 TEST_F(ZCFFileUtilsTest, FindsByNameAndLevel) {
-  for (const char* name : {"d", "d/e", ".h", "d/e/deep.txt.d"}) makeFolder(name);
-  for (const char* name : {"a.txt", "abc", "d/b.txt", "d/e/c.txt", ".hidden.txt", ".h/x.txt"}) {
+  ASSERT_TRUE(FileSystem::createDirectory(folder.path("d/e/deep.txt.d")));
+  ASSERT_TRUE(FileSystem::createDirectory(folder.path(".h")));
+  for (const char* name :
+       {"a.txt", "abc", "d/b.txt", "d/e/c.txt", ".hidden.txt", ".h/x.txt", "a\nb", "\xFF"}) {
     file(name);
   }
   ASSERT_EQ(symlink(folder.path("d").c_str(), folder.path("link").c_str()), 0);
-  struct Row {
-    const char* name;
-    std::size_t level;
-    bool ignoreDirectory;
-    std::set<std::string> found;
-  };
-  const Row rows[] = {
-      {"*", 1, false, {"a.txt", "abc", "d/", "link"}},
-      {"*", 1, true, {"a.txt", "abc", "link"}},
-      {"*", 2, false, {"a.txt", "abc", "d/", "link", "d/b.txt", "d/e/"}},
-      {"*.txt", 0, false, {"a.txt", "d/b.txt", "d/e/c.txt"}},
+  const std::tuple<const char*, std::size_t, bool, std::set<std::string>> rows[] = {
+      {"*", 1, false, {"a.txt", "abc", "d/", "link", "%FF"}},
+      {"*", 1, true, {"a.txt", "abc", "link", "%FF"}},
+      {"*", 2, false, {"a.txt", "abc", "d/", "link", "d/b.txt", "d/e/", "%FF"}},
       {"*txt*", 0, false, {"a.txt", "d/b.txt", "d/e/c.txt", "d/e/deep.txt.d/"}},
-      {"*txt*", 0, true, {"a.txt", "d/b.txt", "d/e/c.txt"}},
-      {"a?c", 0, false, {"abc"}},
+      {"*.txt", 0, true, {"a.txt", "d/b.txt", "d/e/c.txt"}},
       {"ABC", 0, false, {}},
-      {"abc", 1, false, {"abc"}},
       {"", 0, false, {}},
+      {"a\nb", 1, false, {"a%0Ab"}},
+      {"\xFF", 1, false, {"%FF"}},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(found(row.name, row.level, row.ignoreDirectory), row.found)
-        << row.name << " " << row.level << row.ignoreDirectory;
+  for (const auto& [name, level, ignoreDirectory, expected] : rows) {
+    EXPECT_EQ(found(name, level, ignoreDirectory), expected) << name << " " << level;
   }
-  const URL root = URL::fileURLWithPath(folder.path());
-  EXPECT_THAT(ZCFFileUtils::findFileByName("*.txt", root, 1), ElementsAre(url("a.txt")));
+  EXPECT_TRUE(ZCFFileUtils::findFileByName("d", url(""), 1).empty());
 }
 
-TEST_F(ZCFFileUtilsTest, FindsOddNames) {
-  file("a\nb");
-  file("\xFF");
-  EXPECT_EQ(found("*", 1, false), (std::set<std::string>{"%FF"}));
-  EXPECT_EQ(found("a\nb", 1, false), (std::set<std::string>{"a%0Ab"}));
-  EXPECT_EQ(found("\xFF", 1, false), (std::set<std::string>{"%FF"}));
-}
-
-TEST_F(ZCFFileUtilsTest, RaisesForNoNameAndNoFolder) {
-  const auto reason = [](foundation::NullableText name, const std::optional<URL>& directory) {
-    try {
-      ZCFFileUtils::findFileByName(name, directory, 0);
-    } catch (const foundation::NSInvalidArgumentException& exception) {
-      return exception.reason();
-    }
-    return std::string("none");
+TEST_F(ZCFFileUtilsTest, RaisesForMissingArguments) {
+  const auto raises = [](const std::string& argument) {
+    return testing::ThrowsMessage<foundation::NSInvalidArgumentException>(
+        "Method argument error: " + argument);
   };
-  EXPECT_EQ(reason(nullptr, std::nullopt), "Method argument error: fileName");
-  EXPECT_EQ(reason("*", std::nullopt), "Method argument error: directoryToScan");
-  EXPECT_EQ(reason("*", web), "none");
-  EXPECT_EQ(reason("*", url("missing")), "none");
+  EXPECT_THAT([] { ZCFFileUtils::findFileByName(nullptr, {}, 0); }, raises("fileName"));
+  EXPECT_THAT([] { ZCFFileUtils::findFileByName("*", {}, 0); }, raises("directoryToScan"));
+  EXPECT_THAT([] { ZCFFileUtils::fileChecksum(web); }, raises("fileUrl"));
 }
 
 TEST_F(ZCFFileUtilsTest, ReadsWritesTouchesAndDeletes) {
-  const URL text = url("text");
+  const URL text = url("d/text");
+  ASSERT_TRUE(FileSystem::createDirectory(folder.path("d")));
   ZCFFileUtils::writeQuetly("\u00E4\n", text);
   ZCFFileUtils::writeQuetly(nullptr, text);
-  EXPECT_EQ(foundation::textOf(ZCFFileUtils::readQuetlyForUrl(text).value()), "\u00E4\n");
-
-  platform::SimulatedClock clock(foundation::Date(seconds(1'700'000'000)));
+  platform::SimulatedClock clock(foundation::Date(std::chrono::seconds(1'700'000'000)));
   const platform::Clock::Replacement replacement(clock);
   ZCFFileUtils::touchForUrl(text);
-  const Date touched = ZCFFileUtils::fileLastWriteTimeForUrl(text);
-  EXPECT_EQ(touched, clock.now());
-  EXPECT_EQ(ZCFFileUtils::readQuetlyForUrl(text)->size(), 3u);
-  EXPECT_TRUE(ZCFFileUtils::isFile(text, touched));
-  EXPECT_TRUE(ZCFFileUtils::isFile(text, touched + seconds(1)));
-  EXPECT_FALSE(ZCFFileUtils::isFile(text, touched - seconds(1)));
+  EXPECT_EQ(foundation::textOf(ZCFFileUtils::readQuetlyForUrl(text).value()), "\u00E4\n");
+  EXPECT_EQ(ZCFFileUtils::fileLastWriteTimeForUrl(text), clock.now());
+  EXPECT_TRUE(ZCFFileUtils::isFile(text, clock.now()));
+  EXPECT_FALSE(ZCFFileUtils::isFile(text, clock.now() - std::chrono::seconds(1)));
   EXPECT_FALSE(ZCFFileUtils::isFile(text, std::nullopt));
 
-  ZCFFileUtils::touchForUrl(url("new"));
-  EXPECT_TRUE(ZCFFileUtils::readQuetlyForUrl(url("new"))->empty());
-
-  makeFolder("d");
-  file("d/.x");
+  ZCFFileUtils::touchForUrl(url("d/.new"));
+  EXPECT_TRUE(ZCFFileUtils::readQuetlyForUrl(url("d/.new"))->empty());
   EXPECT_TRUE(ZCFFileUtils::deleteQuetlyForUrl(url("d")));
   EXPECT_FALSE(FileSystem::exists(folder.path("d")));
-  EXPECT_THAT(warnings(), IsEmpty());
 }
 
-TEST_F(ZCFFileUtilsTest, TellsWhenAFileWasMade) {
-  const auto attributes = FileSystem::attributes(file("x").path());
-  EXPECT_EQ(ZCFFileUtils::fileCreatedTimeForUrl(url("x")),
-            attributes->creationDate.value_or(distantFuture));
-}
-
-TEST_F(ZCFFileUtilsTest, WarnsOfFailures) {
+TEST_F(ZCFFileUtilsTest, WarnsOfFailuresUnlessTheURLIsNoFileURL) {
   const URL missing = url("missing");
-  const URL inMissing = url("missing/x");
-  ASSERT_EQ(symlink("nowhere", folder.path("dangling").c_str()), 0);
-  EXPECT_FALSE(ZCFFileUtils::contains("a", missing));
-  EXPECT_FALSE(ZCFFileUtils::contains("a", URL::fileURLWithPath(folder.path())));
-  EXPECT_EQ(ZCFFileUtils::fileLastWriteTimeForUrl(missing), distantFuture);
-  EXPECT_FALSE(ZCFFileUtils::isFile(missing, distantFuture));
-  EXPECT_EQ(ZCFFileUtils::fileCreatedTimeForUrl(missing), distantFuture);
-  EXPECT_FALSE(ZCFFileUtils::readQuetlyForUrl(missing));
-  ZCFFileUtils::writeQuetly("x", inMissing);
-  ZCFFileUtils::touchForUrl(inMissing);
-  ZCFFileUtils::touchForUrl(url("dangling"));
-  EXPECT_FALSE(ZCFFileUtils::deleteQuetlyForUrl(missing));
-  const std::string name = missing.absoluteString();
-  EXPECT_THAT(
-      warnings(),
-      ElementsAre(StartsWith("57 (ZCFFileUtils) Cannot read file contents: "),
-                  StartsWith("57 (ZCFFileUtils) Cannot read file contents: "),
-                  StartsWith("98 (ZCFFileUtils) Error getting time for file " + name + ": "),
-                  StartsWith("98 (ZCFFileUtils) Error getting time for file " + name + ": "),
-                  StartsWith("116 (ZCFFileUtils) Error getting time for file " + name + ": "),
-                  StartsWith("140 (ZCFFileUtils) Error reading file " + name + ": "),
-                  StartsWith("158 (ZCFFileUtils) Error writing to file " + name + "/x: "),
-                  "177 (ZCFFileUtils) Error touching file " + name + "/x: Can't create empty file.",
-                  "177 (ZCFFileUtils) Error touching file " + url("dangling").absoluteString() +
-                      ": Can't create empty file.",
-                  StartsWith("191 (ZCFFileUtils) Error deleting " + name + ": ")));
-}
+  for (const URL& nothing : {missing, web}) {
+    EXPECT_FALSE(ZCFFileUtils::contains("a", nothing));
+    EXPECT_EQ(ZCFFileUtils::fileLastWriteTimeForUrl(nothing), distantFuture);
+    EXPECT_FALSE(ZCFFileUtils::isFile(nothing, distantFuture));
+    EXPECT_EQ(ZCFFileUtils::fileCreatedTimeForUrl(nothing), distantFuture);
+    EXPECT_FALSE(ZCFFileUtils::readQuetlyForUrl(nothing));
+    ZCFFileUtils::writeQuetly("x", nothing.URLByAppendingPathComponent("x"));
+    EXPECT_FALSE(ZCFFileUtils::deleteQuetlyForUrl(nothing));
+  }
+  ZCFFileUtils::touchForUrl(web);
+  EXPECT_TRUE(ZCFFileUtils::findFileByName("*", web, 0).empty());
+  EXPECT_TRUE(ZCFFileUtils::findFileByName("*", missing, 0).empty());
+  EXPECT_FALSE(ZCFFileUtils::fileChecksum(missing));
 
-TEST_F(ZCFFileUtilsTest, WarnsWhenATimeCannotBeSet) {
   constexpr uid_t nobody = 65534;
   const uid_t user = geteuid();
   ASSERT_TRUE(user != 0 || seteuid(nobody) == 0);
   ZCFFileUtils::touchForUrl(URL::fileURLWithPath("/etc/passwd"));
   ASSERT_EQ(seteuid(user), 0);
-  EXPECT_THAT(
-      warnings(),
-      ElementsAre(StartsWith("172 (ZCFFileUtils) Error touching file file:///etc/passwd: ")));
+
+  const std::string name = missing.absoluteString();
+  const auto noTime = StartsWith("2 98 (ZCFFileUtils) Error getting time for file " + name + ": ");
+  const std::string notMade = "http://example.com/a: Can't create empty file.";
+  EXPECT_THAT(logger->numberedLines(),
+              testing::ElementsAre(
+                  StartsWith("2 57 (ZCFFileUtils) Cannot read file contents: "), noTime, noTime,
+                  StartsWith("2 116 (ZCFFileUtils) Error getting time for file " + name + ": "),
+                  StartsWith("2 140 (ZCFFileUtils) Error reading file " + name + ": "),
+                  StartsWith("2 158 (ZCFFileUtils) Error writing to file " + name + "/x: "),
+                  StartsWith("2 191 (ZCFFileUtils) Error deleting " + name + ": "),
+                  "2 177 (ZCFFileUtils) Error touching file " + notMade,
+                  StartsWith("2 172 (ZCFFileUtils) Error touching file file:///etc/passwd: ")));
 }
 
-TEST_F(ZCFFileUtilsTest, KeepsQuietAboutOtherURLs) {
-  EXPECT_FALSE(ZCFFileUtils::contains("a", web));
-  EXPECT_FALSE(ZCFFileUtils::readQuetlyForUrl(web));
-  EXPECT_FALSE(ZCFFileUtils::deleteQuetlyForUrl(web));
-  EXPECT_FALSE(ZCFFileUtils::isFile(web, distantFuture));
-  EXPECT_EQ(ZCFFileUtils::fileCreatedTimeForUrl(web), distantFuture);
-  ZCFFileUtils::writeQuetly("x", web);
-  EXPECT_THAT(warnings(), IsEmpty());
-  EXPECT_THROW(ZCFFileUtils::fileChecksum(web), foundation::NSInvalidArgumentException);
-}
-
-TEST_F(ZCFFileUtilsTest, DigestsContents) {
-  EXPECT_EQ(ZCFFileUtils::fileChecksum(file("empty")), "d41d8cd98f00b204e9800998ecf8427e");
-  const std::string million(1'000'000, 'a');
-  EXPECT_EQ(ZCFFileUtils::fileChecksum(file("a", million)), "7707d6ae4e027c70eea2a935c2296f21");
-  EXPECT_FALSE(ZCFFileUtils::fileChecksum(url("missing")));
-  EXPECT_FALSE(ZCFFileUtils::fileChecksum(URL::fileURLWithPath(folder.path())));
-  EXPECT_THAT(warnings(), IsEmpty());
-}
-
-TEST_F(ZCFFileUtilsTest, SearchesLines) {
+TEST_F(ZCFFileUtilsTest, DigestsAndSearchesContents) {
   const URL text = file("text", "one\r\ntw\u00F6\n" + std::string(70000, 'x') + "three");
-  const std::pair<const char*, bool> rows[] = {{"one", true},   {"w\u00F6", true}, {"xthree", true},
-                                               {"ONE", false},  {"e\r\nt", false}, {"", false},
-                                               {nullptr, false}};
-  for (const auto& [part, expected] : rows) {
-    EXPECT_EQ(ZCFFileUtils::contains(part, text), expected) << (part ? part : "null");
+  for (const char* part : {"one", "w\u00F6", "xthree"}) {
+    EXPECT_TRUE(ZCFFileUtils::contains(part, text)) << part;
   }
-  EXPECT_THAT(warnings(), IsEmpty());
+  for (const char* part : {"ONE", "e\r\nt", ""}) {
+    EXPECT_FALSE(ZCFFileUtils::contains(part, text)) << part;
+  }
+  EXPECT_FALSE(ZCFFileUtils::contains(nullptr, text));
+  const URL million = file("a", std::string(1'000'000, 'a'));
+  EXPECT_EQ(ZCFFileUtils::fileChecksum(million), "7707d6ae4e027c70eea2a935c2296f21");
+  EXPECT_FALSE(ZCFFileUtils::fileChecksum(url("")));
+  EXPECT_TRUE(logger->messages().empty());
+  EXPECT_FALSE(ZCFFileUtils::contains("a", url("")));
+  EXPECT_EQ(logger->messages().size(), 1u);
 }
