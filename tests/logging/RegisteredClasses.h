@@ -5,8 +5,7 @@
 namespace logging_test {
 
 /// Comes from a static library, and nothing but its registration refers to it.
-class Downloader {
- public:
+struct Downloader {
   static std::uint32_t ddLogLevel();
   static void ddSetLogLevel(std::uint32_t level);
   DD_REGISTER_CLASS(Downloader);

@@ -1,4 +1,5 @@
 #include <signal.h>
+#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -186,8 +187,11 @@ TEST_F(WorkspaceTest, ReportsARealApplicationThatIsLaunchedAndEnds) {
   const auto observation = observe(workspace);
 
   const std::string program = folder_.path("bin/sleeper");
-  const pid_t pid = fork();
-  if (pid == 0) _exit(execl(program.c_str(), "other", "1000", nullptr));
+  char name[] = "other";
+  char seconds[] = "1000";
+  char* const arguments[] = {name, seconds, nullptr};
+  pid_t pid = -1;  // runs the program already when the call returns, unlike after a fork
+  ASSERT_EQ(posix_spawn(&pid, program.c_str(), nullptr, nullptr, arguments, environ), 0);
   clock_.advance(1);
   EXPECT_EQ(recorder_->next(), "+0 sleeper:" + std::to_string(pid) + " ");
   EXPECT_EQ(workspace.runningApplicationWithProcessIdentifier(pid)->localizedName, "Sleeper");

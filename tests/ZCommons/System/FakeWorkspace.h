@@ -1,15 +1,9 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <optional>
+#include <atomic>
 #include <stdexcept>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
-#include "foundation/Mutex.h"
 #include "platform/Workspace.h"
 
 namespace support {
@@ -21,19 +15,15 @@ inline platform::RunningApplicationRef application(
       platform::RunningApplication{pid, std::move(identifier), std::move(name)});
 }
 
-/// A workspace whose applications a test sets.
-class FakeWorkspace : public platform::Workspace {
- public:
+/// A workspace whose applications a test sets, while no other thread asks.
+struct FakeWorkspace : platform::Workspace {
   using Change = platform::RunningApplicationsChange;
 
-  std::vector<platform::RunningApplicationRef> runningApplications() override {
-    const foundation::MutexLock lock(mutex_);
-    return list_;
-  }
+  std::vector<platform::RunningApplicationRef> runningApplications() override { return list; }
 
   foundation::Observation observeRunningApplications(
       std::function<void(const Change&)> observer) override {
-    auto kept = std::make_shared<foundation::Observation>(observers_.add(std::move(observer)));
+    auto kept = std::make_shared<foundation::Observation>(observers.add(std::move(observer)));
     return foundation::Observation([kept, this] {
       kept->stop();
       if (refusesToBeLeft) throw std::runtime_error("not observed");
@@ -41,9 +31,8 @@ class FakeWorkspace : public platform::Workspace {
   }
 
   platform::RunningApplicationRef runningApplicationWithProcessIdentifier(pid_t pid) override {
-    const foundation::MutexLock lock(mutex_);
-    ++questions_;
-    for (const auto& app : list_) {
+    ++questions;
+    for (const auto& app : list) {
       if (app->processIdentifier == pid) return app;
     }
     return nullptr;
@@ -53,27 +42,10 @@ class FakeWorkspace : public platform::Workspace {
     return std::nullopt;
   }
 
-  void setList(std::vector<platform::RunningApplicationRef> list) {
-    const foundation::MutexLock lock(mutex_);
-    list_ = std::move(list);
-  }
-
-  void tell(const Change& change) { observers_.notify(change); }
-  bool isObserved() const { return !observers_.isEmpty(); }
-
-  /// How often an application was asked for.
-  int questions() const {
-    const foundation::MutexLock lock(mutex_);
-    return questions_;
-  }
-
+  std::vector<platform::RunningApplicationRef> list;
+  std::atomic<int> questions{0};  ///< how often an application was asked for
+  foundation::ObserverList<const Change&> observers;
   bool refusesToBeLeft = false;
-
- private:
-  foundation::ObserverList<const Change&> observers_;
-  mutable foundation::Mutex mutex_;
-  std::vector<platform::RunningApplicationRef> list_ ZARVO_GUARDED_BY(mutex_);
-  int questions_ ZARVO_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace support
