@@ -47,7 +47,7 @@ const std::string keychain = "/Library/Keychains/System.keychain";
 const std::string search = "/bin/bash|-c|/usr/bin/security find-certificate -c \"My CA\" -Z -a " +
                            keychain + " | grep ^SHA-1";
 const std::string searchLine =
-    "4 (ZCSSystemUtils) Deleting certs from system keychain by name: \"My CA\"";
+    "4 186 (ZCSSystemUtils) Deleting certs from system keychain by name: \"My CA\"";
 
 TEST(ZCSSystemUtils, RemovesEachCertificateOfTheName) {
   const struct {
@@ -78,12 +78,12 @@ TEST(ZCSSystemUtils, RemovesEachCertificateOfTheName) {
     for (const std::string& hash : c.hashes) {
       const int status = c.statuses[commands.size()];
       commands.push_back("/usr/bin/security|delete-certificate|-Z|" + hash + "|" + keychain);
-      lines.push_back("4 (ZCSSystemUtils) Exec security delete cert \"" + hash +
+      lines.push_back("4 210 (ZCSSystemUtils) Exec security delete cert \"" + hash +
                       "\" result: " + std::to_string(status));
     }
     EXPECT_EQ(ZCSSystemUtils::removeCertFromSystemKeychainWithName("My CA"), c.result);
     EXPECT_EQ(tasks.commands, commands);
-    EXPECT_EQ(log->lines(), lines);
+    EXPECT_EQ(log->numberedLines(), lines);
   }
 }
 
@@ -98,11 +98,11 @@ TEST(ZCSSystemUtils, AddsATrustedRootInPlaceOfTheOld) {
               (Lines{search, "/usr/bin/security|add-trusted-cert|-d|-r|trustRoot|-k|" + keychain +
                                  "|/a b.pem"}));
     EXPECT_EQ(
-        log->lines(),
-        (Lines{"4 (ZCSSystemUtils) Adding cert to system keychain: \"My CA\" path: "
+        log->numberedLines(),
+        (Lines{"4 159 (ZCSSystemUtils) Adding cert to system keychain: \"My CA\" path: "
                "\"/a b.pem\"",
                searchLine,
-               "4 (ZCSSystemUtils) Exec security add cert result: " + std::to_string(status)}));
+               "4 177 (ZCSSystemUtils) Exec security add cert result: " + std::to_string(status)}));
   }
 }
 
@@ -132,9 +132,9 @@ TEST(ZCSSystemUtils, ListsDirectChildrenOrLogsWhyNot) {
   }
   const FakeProcessTable unreadable(foundation::Error::posix(EACCES, "opendir /proc"));
   EXPECT_TRUE(ZCSSystemUtils::childPidsForPid(7).empty());
-  EXPECT_THAT(log->lines(),
+  EXPECT_THAT(log->numberedLines(),
               testing::ElementsAre(testing::MatchesRegex(
-                  "1 \\(ZCSSystemUtils\\[0x[0-9a-f]+\\] childPidsForPid:\\) GetBSDProcessList: "
+                  "1 225 \\(ZCSSystemUtils\\[0x[0-9a-f]+\\] childPidsForPid:\\) GetBSDProcessList: "
                   "Error obtaining process list. errno = 13")));
 }
 
