@@ -4,6 +4,7 @@
 
 #include "ZCommons/System/RunningApplicationsMonitor.h"
 #include "ZCommons/System/ZCSPidCache.h"
+#include "foundation/Assertion.h"
 #include "platform/Workspace.h"
 
 namespace {
@@ -29,9 +30,9 @@ std::optional<std::string> propertyByPid(Property property, std::int32_t pid) {
 }  // namespace
 
 void NSWorkspaceUtils::initUtils() {
-  using Monitor = std::shared_ptr<RunningApplicationsMonitor>;
-  [[maybe_unused]] static const Monitor& monitor =
-      *new Monitor(RunningApplicationsMonitor::monitor());
+  static const auto& monitor =
+      *new std::shared_ptr<RunningApplicationsMonitor>(RunningApplicationsMonitor::monitor());
+  ZARVO_ASSERT(monitor != nullptr);
 }
 
 std::optional<std::string> NSWorkspaceUtils::bundleIdentifierByPid(std::int32_t pid) {

@@ -13,9 +13,12 @@ using Kind = platform::RunningApplicationsChange::Kind;
 
 /// The workspace that the process's one monitor observes: in force to the end.
 support::FakeWorkspace& workspace() {
-  static support::FakeWorkspace& workspace = *new support::FakeWorkspace;
-  [[maybe_unused]] static auto& replacement = *new platform::Workspace::Replacement(workspace);
-  return workspace;
+  struct InForce {
+    support::FakeWorkspace fake;
+    platform::Workspace::Replacement replacement{fake};
+  };
+  static InForce& inForce = *new InForce;
+  return inForce.fake;
 }
 
 TEST(NSWorkspaceUtils, AsksOnceForWhatItFindsAndThenWaitsForNobody) {
