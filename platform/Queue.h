@@ -1,14 +1,12 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
+#include <concepts>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "foundation/Mutex.h"
 #include "foundation/NullableText.h"
@@ -20,13 +18,17 @@ class Group;
 class Queue;
 using QueueRef = std::shared_ptr<Queue>;
 
-/// A serial dispatch queue: blocks run one at a time, each from start to end.
+/// A dispatch queue: blocks are submitted to it and run in order.
+///
+/// A serial queue runs them one at a time, each from start to end. A concurrent queue starts them
+/// in order and lets them run side by side, except for a barrier, which begins when everything
+/// before it has ended and holds up everything behind it.
 ///
 /// `async` blocks run in the order of submission on threads of a pool, which grows when its threads
 /// wait in `sync`, `Group::wait`, `Semaphore::wait` or a `BlockingRegion` (512 threads at the
 /// most), so queues may wait for one another. `sync` runs the block on the caller's thread, without
 /// a thread switch when the queue is idle. Callers of `sync` from different threads may overtake
-/// each other, but never an `async` that was submitted before.
+/// each other on a serial queue, but never an `async` that was submitted before.
 ///
 /// An exception that leaves a `sync` block passes on to the caller, and the queue goes on; one that
 /// leaves an `async` block ends the process with a message. `sync` onto a queue that the calling
@@ -40,8 +42,11 @@ using QueueRef = std::shared_ptr<Queue>;
 ///     const int count = queue->sync([&] { return store->count(); });
 class Queue : public std::enable_shared_from_this<Queue> {
  public:
-  /// A new queue. A null label is kept as the empty one.
+  /// A new serial queue. A null label is kept as the empty one.
   static QueueRef serialQueue(foundation::NullableText label);
+
+  /// A new concurrent queue. A null label is kept as the empty one.
+  static QueueRef concurrentQueue(foundation::NullableText label);
 
   /// The queue of the main thread (label "main-thread"): its blocks, those of `sync` included, run
   /// only on that thread, in `MainQueue::run` or `MainQueue::drain`. The main thread outside any
@@ -72,23 +77,24 @@ class Queue : public std::enable_shared_from_this<Queue> {
   static bool isInsideSpecific(const void* key);
 
   /// Queues `block` and returns at once.
-  virtual void async(Block block);
+  virtual void async(Block block) = 0;
 
   /// As `async`, as a member of `group`, which must live until the block has run.
   void async(Group& group, Block block);
 
+  /// As `async`; on a concurrent queue nothing else runs while the block does.
+  virtual void barrierAsync(Block block) { async(std::move(block)); }
+
   /// Runs `function` on the queue and returns what it returns (by value).
   template <class F>
-  auto sync(F&& function) -> std::decay_t<std::invoke_result_t<F&>> {
-    using Answer = std::decay_t<std::invoke_result_t<F&>>;
-    if constexpr (std::is_void_v<Answer>) {
-      syncCall(FunctionView(function));
-    } else {
-      std::optional<Answer> answer;
-      const auto store = [&] { answer.emplace(function()); };
-      syncCall(FunctionView(store));
-      return *std::move(answer);
-    }
+  auto sync(F&& function) {
+    return answerOf(function, [this](FunctionView call) { syncCall(call); });
+  }
+
+  /// As `sync`; on a concurrent queue nothing else runs while the block does.
+  template <class F>
+  auto barrierSync(F&& function) {
+    return answerOf(function, [this](FunctionView call) { barrierSyncCall(call); });
   }
 
  protected:
@@ -106,13 +112,6 @@ class Queue : public std::enable_shared_from_this<Queue> {
     void (*call_)(void*);
   };
 
-  explicit Queue(foundation::NullableText label);
-
-  virtual void syncCall(FunctionView function);
-
-  /// Stops the process when the calling thread is on this queue already.
-  void forbidDeadlock() const;
-
   /// Marks the calling thread as on a queue for the length of a scope.
   class Context {
    public:
@@ -125,39 +124,36 @@ class Queue : public std::enable_shared_from_this<Queue> {
     Context* outer;
   };
 
+  explicit Queue(foundation::NullableText label);
+
+  virtual void syncCall(FunctionView function) = 0;
+  virtual void barrierSyncCall(FunctionView function) { syncCall(function); }
+
+  /// Stops the process when the calling thread is on this queue already.
+  void forbidDeadlock() const;
+
+  [[noreturn]] void stopDeadlock() const;
+
+  /// Runs a block inside the queue; an exception that leaves it has nobody to go to, and ends the
+  /// process with its message.
+  static void runToEnd(Block& block) noexcept { block(); }
+
  private:
-  friend class ThreadPool;
-  struct Waiter;
+  template <class F, class Call>
+  static auto answerOf(F& function, Call call) -> std::decay_t<std::invoke_result_t<F&>> {
+    using Answer = std::decay_t<std::invoke_result_t<F&>>;
+    if constexpr (std::is_void_v<Answer>) {
+      call(FunctionView(function));
+    } else {
+      std::optional<Answer> answer;
+      const auto store = [&] { answer.emplace(function()); };
+      call(FunctionView(store));
+      return *std::move(answer);
+    }
+  }
 
-  void drain();
-  void runBlocks(std::uint64_t count);
-  void acquire();
-  void acquireInLine();
-  void release();
-  void passOn() ZARVO_REQUIRES(mutex_);
-  bool isOwned() const ZARVO_REQUIRES(mutex_) { return (state_.load() & owned) != 0; }
-  void clearLineIfEmpty() ZARVO_REQUIRES(mutex_);
-
-  // The queue is owned by the thread that runs its blocks. `state_` tells whether it is, and
-  // whether anything is in line; a queue with neither changes hands by that word alone. With
-  // something in line every change is made under the lock, and whoever gives the queue up passes it
-  // on: to the first waiter that may go, else to the pool. Waiters and blocks are told apart by
-  // number: a waiter remembers how many blocks were queued before it, and may go once so many have
-  // run.
-  enum State : std::uint32_t { idle = 0, owned = 1, line = 2 };
-  std::atomic<std::uint32_t> state_{idle};
-  mutable foundation::Mutex mutex_;
-  std::vector<Block> incoming_ ZARVO_GUARDED_BY(mutex_);
-  std::uint64_t queued_ ZARVO_GUARDED_BY(mutex_) = 0;
-  std::uint64_t finished_ ZARVO_GUARDED_BY(mutex_) = 0;
-  bool scheduled_ ZARVO_GUARDED_BY(mutex_) = false;  // the pool is going to call `drain`
-  Waiter* firstWaiter_ ZARVO_GUARDED_BY(mutex_) = nullptr;
-  Waiter* lastWaiter_ ZARVO_GUARDED_BY(mutex_) = nullptr;
-  std::map<const void*, void*> specifics_ ZARVO_GUARDED_BY(mutex_);
-
-  std::vector<Block> running_;  // taken from `incoming_`; the owner's, like the next
-  std::size_t position_ = 0;    // of the first block in `running_` that has not run
-
+  mutable foundation::Mutex specificsMutex_;
+  std::map<const void*, void*> specifics_ ZARVO_GUARDED_BY(specificsMutex_);
   const std::shared_ptr<const std::string> label_;
 };
 

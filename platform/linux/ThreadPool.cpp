@@ -6,6 +6,7 @@
 
 #include "foundation/Assertion.h"
 #include "platform/Process.h"
+#include "platform/Queue.h"
 #include "platform/linux/SystemThread.h"
 
 namespace platform {
@@ -24,9 +25,9 @@ ThreadPool& ThreadPool::shared() {
 
 ThreadPool::ThreadPool() : processors_(std::max(2U, Process::processorCount())) {}
 
-void ThreadPool::submit(QueueRef queue) {
+void ThreadPool::submit(std::shared_ptr<Work> work) {
   foundation::MutexLock lock(mutex_);
-  ready_.push_back(std::move(queue));
+  ready_.push_back(std::move(work));
   waiting_.store(ready_.size(), std::memory_order_relaxed);
   ensureWorker();
 }
@@ -54,12 +55,12 @@ void ThreadPool::work() {
   isPoolThread = true;
   mutex_.lock();
   while (awaitWork()) {
-    QueueRef queue = std::move(ready_.front());
+    std::shared_ptr<Work> work = std::move(ready_.front());
     ready_.pop_front();
     waiting_.store(ready_.size(), std::memory_order_relaxed);
     mutex_.unlock();
-    queue->drain();
-    queue.reset();
+    work->drain();
+    work.reset();
     mutex_.lock();
   }
   --threads_;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <deque>
+#include <memory>
 
-#include "platform/Queue.h"
+#include "foundation/Mutex.h"
 
 namespace platform {
 
@@ -13,10 +16,19 @@ namespace platform {
 /// while ends. Made on first use and never destroyed.
 class ThreadPool {
  public:
+  /// What a queue has for a thread of the pool to do.
+  class Work {
+   public:
+    virtual void drain() = 0;
+
+   protected:
+    ~Work() = default;
+  };
+
   static ThreadPool& shared();
 
-  /// Lets a thread call the queue's `drain`.
-  void submit(QueueRef queue);
+  /// Lets a thread call `drain`; what the pointer shares lives until then.
+  void submit(std::shared_ptr<Work> work);
 
   /// Whether other queues wait for a thread.
   bool isPressed() const { return waiting_.load(std::memory_order_relaxed) > 0; }
@@ -37,7 +49,7 @@ class ThreadPool {
   const unsigned processors_;
   foundation::Mutex mutex_;
   foundation::Condition submitted_;
-  std::deque<QueueRef> ready_ ZARVO_GUARDED_BY(mutex_);
+  std::deque<std::shared_ptr<Work>> ready_ ZARVO_GUARDED_BY(mutex_);
   std::atomic<std::size_t> waiting_{0};  // the size of `ready_`, for a look without the lock
   unsigned threads_ ZARVO_GUARDED_BY(mutex_) = 0;
   unsigned idle_ ZARVO_GUARDED_BY(mutex_) = 0;     // threads asleep in `awaitWork`

@@ -1,0 +1,129 @@
+#include "platform/linux/SerialQueue.h"
+
+#include <utility>
+
+namespace platform {
+namespace {
+
+// Empties storage to use it again, unless a burst has left it large.
+void recycle(std::vector<Block>& blocks) {
+  constexpr std::size_t kept = 1024;
+  if (blocks.capacity() > kept) {
+    blocks = std::vector<Block>();
+  } else {
+    blocks.clear();
+  }
+}
+
+}  // namespace
+
+struct SerialQueue::Waiter {
+  std::uint64_t ticket;  // how many blocks have to be finished before it may go
+  foundation::Condition woken;
+  Waiter* next = nullptr;
+};
+
+QueueRef Queue::serialQueue(foundation::NullableText label) {
+  return std::make_shared<SerialQueue>(label);
+}
+
+void SerialQueue::async(Block block) {
+  foundation::MutexLock lock(mutex_);
+  incoming_.push_back(std::move(block));
+  ++queued_;
+  if ((state_.fetch_or(line) & owned) == 0) passOn();
+}
+
+void SerialQueue::syncCall(FunctionView function) {
+  forbidDeadlock();
+  acquire();
+  struct Release {
+    SerialQueue* queue;
+    ~Release() { queue->release(); }
+  } const release{this};
+  const Context context(this);
+  function();
+}
+
+void SerialQueue::acquire() {
+  std::uint32_t expected = idle;
+  if (!state_.compare_exchange_strong(expected, owned, std::memory_order_acquire)) acquireInLine();
+}
+
+void SerialQueue::acquireInLine() {
+  foundation::MutexLock lock(mutex_);
+  const bool isOwnedElsewhere = (state_.fetch_or(line) & owned) != 0;
+  if (!isOwnedElsewhere && queued_ == finished_) {
+    state_.fetch_or(owned);
+    return clearLineIfEmpty();
+  }
+  Waiter waiter{queued_, {}};
+  (lastWaiter_ ? lastWaiter_->next : firstWaiter_) = &waiter;
+  lastWaiter_ = &waiter;
+  {
+    const BlockingRegion waiting;
+    while (isOwned() || waiter.ticket > finished_) waiter.woken.wait(mutex_);
+  }
+  Waiter** link = &firstWaiter_;
+  Waiter* previous = nullptr;
+  for (; *link != &waiter; link = &(*link)->next) previous = *link;
+  *link = waiter.next;
+  if (lastWaiter_ == &waiter) lastWaiter_ = previous;
+  state_.fetch_or(owned);
+  clearLineIfEmpty();
+}
+
+void SerialQueue::release() {
+  std::uint32_t expected = owned;
+  if (state_.compare_exchange_strong(expected, idle, std::memory_order_release)) return;
+  foundation::MutexLock lock(mutex_);
+  state_.fetch_and(~std::uint32_t{owned});
+  passOn();
+}
+
+void SerialQueue::clearLineIfEmpty() {
+  if (!firstWaiter_ && queued_ == finished_) state_.fetch_and(~std::uint32_t{line});
+}
+
+// Called whenever the queue is free and something may be in line.
+void SerialQueue::passOn() {
+  if (firstWaiter_ && firstWaiter_->ticket <= finished_) return firstWaiter_->woken.notifyOne();
+  if (queued_ == finished_ || scheduled_) return;
+  scheduled_ = true;
+  ThreadPool::shared().submit({shared_from_this(), this});
+}
+
+// Runs what is in line, at least once, and goes on while no other queue waits for a thread.
+void SerialQueue::drain() {
+  const Context context(this);
+  mutex_.lock();
+  scheduled_ = false;
+  do {
+    const std::uint64_t count = (firstWaiter_ ? firstWaiter_->ticket : queued_) - finished_;
+    if (isOwned() || count == 0) break;
+    state_.fetch_or(owned);
+    mutex_.unlock();
+    runBlocks(count);
+    mutex_.lock();
+    finished_ += count;
+    state_.fetch_and(~std::uint32_t{owned});
+    clearLineIfEmpty();
+  } while (!ThreadPool::shared().isPressed());
+  if (!isOwned()) passOn();
+  mutex_.unlock();
+}
+
+void SerialQueue::runBlocks(std::uint64_t count) {
+  for (; count > 0; --count) {
+    if (position_ == running_.size()) {
+      recycle(running_);
+      position_ = 0;
+      foundation::MutexLock lock(mutex_);
+      running_.swap(incoming_);
+    }
+    Block block = std::move(running_[position_++]);
+    runToEnd(block);
+  }
+}
+
+}  // namespace platform
