@@ -26,15 +26,13 @@ foreach(library IN LISTS libraries)
   get_target_property(private_links ${library} LINK_LIBRARIES)
   list(APPEND components ${component})
 
-  if(type STREQUAL INTERFACE_LIBRARY)
-    install(TARGETS ${library} EXPORT Zarvo)
-  else()
+  if(NOT type STREQUAL INTERFACE_LIBRARY)
     list(PREPEND archives "-l${library}")
     set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
-    install(TARGETS ${library} EXPORT Zarvo
-      FILE_SET HEADERS DESTINATION "${header_folder}"
-      FILE_SET generated DESTINATION "${header_folder}")
   endif()
+  install(TARGETS ${library} EXPORT Zarvo
+    FILE_SET HEADERS DESTINATION "${header_folder}"
+    FILE_SET generated DESTINATION "${header_folder}")
 
   # A static library hands on its private links, inside $<LINK_ONLY:...>; a shared one keeps them.
   set(needed_components "")
