@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -31,6 +32,15 @@ using Data = std::vector<std::uint8_t, UninitializedAllocator<std::uint8_t>>;
 
 /// Bytes of someone else, read only.
 using DataView = std::span<const std::uint8_t>;
+
+/// Adds `bytes`, which are not bytes of `data`, at the end. Copies them as a block, which a vector
+/// with this allocator does not do by itself.
+inline void append(Data& data, DataView bytes) {
+  if (bytes.empty()) return;
+  const std::size_t length = data.size();
+  data.resize(length + bytes.size());
+  std::memcpy(data.data() + length, bytes.data(), bytes.size());
+}
 
 /// The bytes of a text, without a copy.
 inline DataView dataOf(std::string_view text) {

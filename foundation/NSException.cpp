@@ -19,6 +19,9 @@ NSRangeException::NSRangeException(const std::string& reason)
 NSMallocException::NSMallocException(const std::string& reason)
     : NSException("NSMallocException", reason) {}
 
+NSInternalInconsistencyException::NSInternalInconsistencyException(const std::string& reason)
+    : NSException("NSInternalInconsistencyException", reason) {}
+
 void raiseArgumentException(NullableText argumentName) {
   const std::string name = argumentName.isNull() ? "(NONE)" : argumentName.string();
   raise<NSInvalidArgumentException>("Method argument error: " + name);

@@ -45,6 +45,11 @@ class NSMallocException : public NSException {
   explicit NSMallocException(const std::string& reason);
 };
 
+class NSInternalInconsistencyException : public NSException {
+ public:
+  explicit NSInternalInconsistencyException(const std::string& reason);
+};
+
 /// Throws an exception of class `E`; out of line, so that the raising code stays small.
 template <class E>
 [[noreturn, gnu::noinline, gnu::cold]] void raise(const std::string& reason) {

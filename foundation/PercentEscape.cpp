@@ -12,27 +12,22 @@ namespace {
 
 using Legal = std::array<bool, 256>;
 
-void mark(Legal& legal, std::string_view characters, bool value) {
+constexpr void mark(Legal& legal, std::string_view characters, bool value) {
   for (const char c : characters) legal[static_cast<unsigned char>(c)] = value;
 }
 
-const Legal& legalInURLs() {
-  static const Legal legal = [] {
-    Legal table{};
-    for (char c = '0'; c <= '9'; ++c) table[static_cast<unsigned char>(c)] = true;
-    for (char c = 'a'; c <= 'z'; ++c) table[static_cast<unsigned char>(c)] = true;
-    for (char c = 'A'; c <= 'Z'; ++c) table[static_cast<unsigned char>(c)] = true;
-    mark(table, "-_.!~*'();/?:@&=+$,", true);
-    return table;
-  }();
+constexpr Legal legalInURLs = [] {
+  Legal legal{};
+  mark(legal, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789", true);
+  mark(legal, "-_.!~*'();/?:@&=+$,", true);
   return legal;
-}
+}();
 
 }  // namespace
 
 std::string stringByAddingPercentEscapes(std::string_view text, std::string_view unescaped,
                                          std::string_view escaped) {
-  Legal legal = legalInURLs();
+  Legal legal = legalInURLs;
   mark(legal, unescaped, true);
   mark(legal, escaped, false);
   std::string result;
@@ -51,7 +46,7 @@ std::string stringByAddingPercentEscapes(std::string_view text, std::string_view
   return result;
 }
 
-std::optional<std::string> stringByReplacingPercentEscapes(std::string_view text) {
+std::optional<std::string> bytesByReplacingPercentEscapes(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   while (!text.empty()) {
@@ -66,7 +61,12 @@ std::optional<std::string> stringByReplacingPercentEscapes(std::string_view text
     result += static_cast<char>(byte);
     text.remove_prefix(percent + 3);
   }
-  if (!isValidUTF8(result)) return std::nullopt;
+  return result;
+}
+
+std::optional<std::string> stringByReplacingPercentEscapes(std::string_view text) {
+  std::optional<std::string> result = bytesByReplacingPercentEscapes(text);
+  if (result && !isValidUTF8(*result)) result.reset();
   return result;
 }
 

@@ -15,10 +15,13 @@ namespace foundation {
 std::string stringByAddingPercentEscapes(std::string_view text, std::string_view unescaped = {},
                                          std::string_view escaped = {});
 
+/// `text` with every escape replaced by the byte it stands for, whatever encoding the bytes are in.
+/// Nothing when an escape is malformed. Any thread.
+std::optional<std::string> bytesByReplacingPercentEscapes(std::string_view text);
+
 /// stringByReplacingPercentEscapes:
 ///
-/// `text` with every escape replaced by the byte it stands for. Nothing when an escape is
-/// malformed, or when the result is not UTF-8. Any thread.
+/// As above, and nothing when the result is not UTF-8.
 std::optional<std::string> stringByReplacingPercentEscapes(std::string_view text);
 
 }  // namespace foundation

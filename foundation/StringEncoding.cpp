@@ -4,13 +4,10 @@
 
 #include <unicode/utf8.h>
 
+#include "foundation/Unicode.h"
+
 namespace foundation {
 namespace {
-
-bool isASCII(std::string_view text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
 
 std::string fromLatin1(DataView data) {
   std::string text;

@@ -1,105 +1,73 @@
 #include "foundation/URL.h"
 
-#include <algorithm>
-#include <array>
+#include "foundation/PercentEscape.h"
+#include "foundation/URIReference.h"
+#include "foundation/Unicode.h"
 
 namespace foundation {
 namespace {
 
-constexpr std::array<bool, 256> makePathCharacters() {
-  std::array<bool, 256> table{};
-  constexpr std::string_view kept =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,=:@/";
-  for (const char c : kept) table[static_cast<unsigned char>(c)] = true;
-  return table;
-}
-
-constexpr std::array<bool, 256> pathCharacters = makePathCharacters();
-
-void appendEscaped(std::string& output, std::string_view path) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (pathCharacters[byte]) {
-      output += c;
-    } else {
-      output += {'%', digits[byte >> 4], digits[byte & 15]};
-    }
-  }
-}
-
-int hexadecimalValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
-
-std::optional<std::string> unescaped(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '%') {
-      result += text[i];
-      continue;
-    }
-    if (i + 2 >= text.size()) return std::nullopt;
-    const int high = hexadecimalValue(text[i + 1]);
-    const int low = hexadecimalValue(text[i + 2]);
-    if (high < 0 || low < 0 || high + low == 0) return std::nullopt;
-    result += static_cast<char>(high * 16 + low);
-    i += 2;
-  }
-  return result;
-}
-
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-
-std::string_view schemeOf(std::string_view text) {
-  const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos || colon == 0 || !isLetter(text[0])) return {};
-  const std::string_view scheme = text.substr(0, colon);
-  const bool valid = std::all_of(scheme.begin(), scheme.end(), [](char c) {
-    return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
-  });
-  return valid ? scheme : std::string_view();
-}
-
-bool isFileScheme(std::string_view scheme) {
-  constexpr std::string_view file = "file";
-  return std::equal(scheme.begin(), scheme.end(), file.begin(), file.end(),
-                    [](char a, char b) { return (a | 0x20) == b; });
+bool isLocalFile(const URIReference& parts) {
+  const std::string_view authority = parts.authority.value_or("");
+  return parts.scheme && isEqualIgnoringCase(*parts.scheme, "file") &&
+         parts.path.starts_with('/') && (authority.empty() || authority == "localhost");
 }
 
 }  // namespace
 
 URL URL::fileURLWithPath(std::string_view path, Kind kind) {
-  std::string text;
-  text.reserve(path.size() + 2);
-  if (!path.starts_with('/')) text += '/';
-  text += path;
-  if (kind == Kind::directory && !text.ends_with('/')) text += '/';
-  return URL(std::move(text), true);
+  std::string absolute;
+  absolute.reserve(path.size() + 2);
+  if (!path.starts_with('/')) absolute += '/';
+  absolute += path;
+  if (kind == Kind::directory && !absolute.ends_with('/')) absolute += '/';
+  return URL({}, std::move(absolute));
 }
 
 std::optional<URL> URL::URLWithString(std::string_view text) {
-  const std::string_view scheme = schemeOf(text);
-  if (scheme.empty()) return std::nullopt;
-  if (!isFileScheme(scheme)) return URL(std::string(text), false);
-  std::string_view rest = text.substr(scheme.size() + 1);
-  if (rest.starts_with("//")) {
-    rest.remove_prefix(2);
-    if (rest.starts_with("localhost/")) rest.remove_prefix(9);
-  }
-  if (!rest.starts_with('/')) return URL(std::string(text), false);
-  std::optional<std::string> path = unescaped(rest.substr(0, rest.find_first_of("?#")));
-  if (!path) return std::nullopt;
-  return URL(*std::move(path), true);
+  const std::optional<URIReference> parts = URIReference::parse(text);
+  if (!parts) return std::nullopt;
+  if (!isLocalFile(*parts)) return URL(std::string(text), {});
+  std::optional<std::string> path = bytesByReplacingPercentEscapes(parts->path);
+  if (!path || path->find('\0') != path->npos) return std::nullopt;
+  URL url({}, *std::move(path));
+  if (url.absoluteString() != text) url.text_ = text;
+  return url;
+}
+
+std::optional<URL> URL::URLWithString(std::string_view text, const std::optional<URL>& baseURL) {
+  if (!baseURL) return URLWithString(text);
+  const std::optional<URIReference> reference = URIReference::parse(text);
+  if (!reference) return std::nullopt;
+  const std::string base = baseURL->absoluteString();
+  return URLWithString(reference->resolvedAgainst(*URIReference::parse(base)));
+}
+
+URL URL::standardizedURL() const {
+  const std::string text = absoluteString();
+  return URLWithString(URIReference::parse(text)->withoutDotSegments()).value_or(*this);
+}
+
+std::optional<std::string> URL::scheme() const {
+  if (isFileURL() && text_.empty()) return "file";
+  const auto parts = URIReference::parse(text_);
+  return parts->scheme ? std::optional<std::string>(*parts->scheme) : std::nullopt;
+}
+
+std::optional<std::string> URL::host() const {
+  std::string_view host = URIReference::parse(text_)->host().value_or("");
+  if (host.empty()) return std::nullopt;
+  if (host.starts_with('[')) host = host.substr(1, host.size() - 2);
+  return stringByReplacingPercentEscapes(host);
+}
+
+std::optional<std::uint16_t> URL::port() const {
+  const std::optional<std::uint16_t> port = URIReference::parse(text_)->port();
+  return port == 0 ? std::nullopt : port;
 }
 
 std::string_view URL::path() const {
-  if (!isFile_) return {};
-  std::string_view path = text_;
+  std::string_view path = path_;
   while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
   return path;
 }
@@ -111,23 +79,20 @@ std::string_view URL::lastPathComponent() const {
 }
 
 URL URL::URLByAppendingPathComponent(std::string_view component, Kind kind) const {
-  if (!isFile_) return *this;
-  std::string text;
-  text.reserve(text_.size() + component.size() + 2);
-  text += text_;
-  if (!text.ends_with('/')) text += '/';
-  text += component;
-  if (kind == Kind::directory && !text.ends_with('/')) text += '/';
-  return URL(std::move(text), true);
+  if (!isFileURL()) return *this;
+  std::string path;
+  path.reserve(path_.size() + component.size() + 2);
+  path += path_;
+  if (!path.ends_with('/')) path += '/';
+  path += component;
+  if (kind == Kind::directory && !path.ends_with('/')) path += '/';
+  return URL({}, std::move(path));
 }
 
 std::string URL::absoluteString() const {
-  if (!isFile_) return text_;
-  std::string result;
-  result.reserve(7 + text_.size() + 8);
-  result += "file://";
-  appendEscaped(result, text_);
-  return result;
+  if (!text_.empty() || !isFileURL()) return text_;
+  std::string result = "file://";
+  return result += stringByAddingPercentEscapes(path_, {}, ";?");
 }
 
 }  // namespace foundation

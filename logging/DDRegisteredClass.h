@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <typeinfo>
 
+#include "foundation/Registered.h"
+
 /// A class with a log level of its own, which `DDLog` knows by the class or by its name.
 ///
 /// The class has two static members and announces itself in its body:
@@ -18,7 +20,7 @@
 /// Every source that includes the header carries the registration, so it happens wherever the class
 /// is used, also when the class comes from a static library whose other object files are dropped.
 /// A registration lives until the process ends. Thread safety: any thread.
-class DDRegisteredClass {
+class DDRegisteredClass : public foundation::Registered<DDRegisteredClass> {
  public:
   template <class T>
   static DDRegisteredClass registration() {
@@ -31,16 +33,9 @@ class DDRegisteredClass {
     return DDRegisteredClass(typeid(T), &T::ddLogLevel, &T::ddSetLogLevel);
   }
 
-  DDRegisteredClass(const DDRegisteredClass&) = delete;
-  DDRegisteredClass& operator=(const DDRegisteredClass&) = delete;
-
   const std::type_info& type() const { return type_; }
   std::uint32_t logLevel() const { return getter_(); }
   void setLogLevel(std::uint32_t level) const { setter_(level); }
-
-  /// The class registered last, and the one registered before this; null at the end.
-  static const DDRegisteredClass* last();
-  const DDRegisteredClass* previous() const { return previous_; }
 
  private:
   DDRegisteredClass(const std::type_info& type, std::uint32_t (*getter)(),
@@ -49,7 +44,6 @@ class DDRegisteredClass {
   const std::type_info& type_;
   std::uint32_t (*const getter_)();
   void (*const setter_)(std::uint32_t);
-  const DDRegisteredClass* previous_;
 };
 
 /// Registers a class; stands in its body.

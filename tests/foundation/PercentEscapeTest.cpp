@@ -1,6 +1,3 @@
-#include <optional>
-#include <string>
-
 #include <gtest/gtest.h>
 
 #include "foundation/PercentEscape.h"
@@ -17,21 +14,10 @@ TEST(PercentEscape, EscapesWhatUrlsMayNotHold) {
 }
 
 TEST(PercentEscape, ReplacesOnlyWellFormedEscapesOfUtf8) {
-  const struct {
-    const char* text;
-    std::optional<std::string> result;
-  } rows[] = {
-      {"", ""},
-      {"a%20b%2f%2F", "a b//"},
-      {"%C3%A9", "\xC3\xA9"},
-      {"%C3", std::nullopt},
-      {"%", std::nullopt},
-      {"a%2", std::nullopt},
-      {"%+1", std::nullopt},
-      {"%0g", std::nullopt},
-      {"\xFF", std::nullopt},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(stringByReplacingPercentEscapes(row.text), row.result) << row.text;
+  const std::pair<const char*, const char*> rows[] = {
+      {"", ""}, {"a%20b%2f%2F", "a b//"}, {"%C3%A9", "\xC3\xA9"}};
+  for (const auto& [text, result] : rows) EXPECT_EQ(stringByReplacingPercentEscapes(text), result);
+  for (const char* text : {"%C3", "%", "a%2", "%+1", "%0g", "\xFF"}) {
+    EXPECT_EQ(stringByReplacingPercentEscapes(text), std::nullopt) << text;
   }
 }
