@@ -13,8 +13,9 @@ class Bundle : public Service<Bundle> {
  public:
   static Bundle& production();
 
-  /// The information dictionary ("CFBundleIdentifier", "CFBundleName", …) that the program embeds;
-  /// empty for a bare program. Constant for the life of the process.
+  /// The information dictionary ("CFBundleIdentifier", "CFBundleName", …) that the program embeds
+  /// or, when it was built to, reads from the bundle folder it lives in; empty for a bare program.
+  /// Constant for the life of the process.
   virtual const foundation::Dictionary& infoDictionary() = 0;
 
   /// The "CFBundleIdentifier" of the information dictionary, if it has one.
@@ -22,10 +23,14 @@ class Bundle : public Service<Bundle> {
 
   /// The name of the program's executable file, whatever it was called with.
   virtual std::string processName() = 0;
+
+  /// The path of the program's executable file; empty when it is not known.
+  virtual std::string executablePath() { return {}; }
 };
 
-/// Gives the running program an information dictionary; to be called once, during static
-/// initialisation of the program that embeds it.
-void embedInfoDictionary(foundation::Dictionary dictionary);
+/// Gives the running program an information dictionary, which `make` makes when it is first asked
+/// for; to be called once, during static initialisation of the program that embeds it. The build
+/// does it for a program whose list is named with `zarvo_information_list` (CMake).
+void embedInfoDictionary(foundation::Dictionary (*make)());
 
 }  // namespace platform

@@ -36,6 +36,9 @@ class FileHandle {
   explicit operator bool() const { return descriptor_ >= 0; }
   int descriptor() const { return descriptor_; }
 
+  /// What errors name.
+  const std::string& path() const { return path_; }
+
   /// Reads up to `length` bytes; 0 at the end of the file.
   foundation::Result<std::size_t> read(std::uint8_t* buffer, std::size_t length) const;
 

@@ -3,12 +3,26 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace platform {
 
 /// Facts about the running process and its threads. Thread safety: any thread.
 namespace Process {
+
+/// The version numbers of an operating system; what it does not tell is 0.
+struct OperatingSystemVersion {
+  long majorVersion = 0;
+  long minorVersion = 0;
+  long patchVersion = 0;
+
+  friend bool operator==(const OperatingSystemVersion&, const OperatingSystemVersion&) = default;
+};
+
+/// The version of the operating system that runs, on Linux the numbers at the start of the kernel's
+/// release ("6.1.0-13-amd64" is 6, 1, 0); nothing when the system does not tell it.
+std::optional<OperatingSystemVersion> operatingSystemVersion();
 
 uid_t effectiveUserIdentifier();
 

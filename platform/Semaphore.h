@@ -10,10 +10,11 @@
 namespace platform {
 
 /// A counting semaphore. Uncontended, `wait` and `signal` are one atomic step each; a `wait` that
-/// finds nothing looks again for some microseconds before it sleeps. Thread safety: any thread.
+/// finds nothing looks again for some microseconds before it sleeps. It may be destroyed as soon as
+/// every `wait` has returned. Thread safety: any thread.
 class Semaphore {
  public:
-  explicit Semaphore(std::int64_t value) : value_(value) {}
+  explicit Semaphore(std::uint32_t value) : state_(value) {}
   Semaphore(const Semaphore&) = delete;
   Semaphore& operator=(const Semaphore&) = delete;
 
@@ -27,12 +28,16 @@ class Semaphore {
   void signal();
 
  private:
-  bool tryTake();
+  static constexpr std::uint64_t sleeper = std::uint64_t{1} << 32;
 
-  std::atomic<std::int64_t> value_;
-  std::atomic<std::int32_t> sleepers_{0};
-  std::atomic<std::int32_t> woken_{0};  // sleepers that were woken and do not run yet
+  bool tryTake();
+  void signalSleeper();
+
+  // The value, and above it how many threads sleep that nobody has woken yet; the latter changes
+  // under the lock only. One word, so that who signals with nobody asleep never comes back to it.
+  std::atomic<std::uint64_t> state_;
   foundation::Mutex mutex_;
+  std::uint32_t woken_ ZARVO_GUARDED_BY(mutex_) = 0;  // that do not run yet
   foundation::Condition signalled_;
 };
 

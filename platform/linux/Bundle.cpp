@@ -3,19 +3,16 @@
 #include <sys/auxv.h>
 #include <unistd.h>
 
-#include <utility>
+#include <atomic>
 
 #include "platform/linux/ProcFileSystem.h"
 
 namespace platform {
 namespace {
 
-foundation::Dictionary& embeddedDictionary() {
-  static foundation::Dictionary& dictionary = *new foundation::Dictionary;
-  return dictionary;
-}
+constinit std::atomic<foundation::Dictionary (*)()> makeDictionary{nullptr};
 
-std::string executablePath() {
+std::string findExecutable() {
   std::string path = ProcFileSystem().executable(getpid());
   if (!path.empty()) return path;
   // Without /proc, the path that the kernel was given to start the program.
@@ -25,15 +22,24 @@ std::string executablePath() {
 
 class EmbeddedBundle final : public Bundle {
  public:
-  const foundation::Dictionary& infoDictionary() override { return embeddedDictionary(); }
-  std::string processName() override { return processName_; }
+  const foundation::Dictionary& infoDictionary() override {
+    static const foundation::Dictionary& dictionary = *new foundation::Dictionary(make());
+    return dictionary;
+  }
+  std::string processName() override { return lastComponent(executablePath_); }
+  std::string executablePath() override { return executablePath_; }
 
  private:
   static std::string lastComponent(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
   }
 
-  const std::string processName_ = lastComponent(executablePath());
+  static foundation::Dictionary make() {
+    foundation::Dictionary (*const embedded)() = makeDictionary.load();
+    return embedded ? embedded() : foundation::Dictionary();
+  }
+
+  const std::string executablePath_ = findExecutable();
 };
 
 }  // namespace
@@ -47,8 +53,6 @@ std::optional<std::string> Bundle::bundleIdentifier() {
   return foundation::stringForKey(infoDictionary(), "CFBundleIdentifier");
 }
 
-void embedInfoDictionary(foundation::Dictionary dictionary) {
-  embeddedDictionary() = std::move(dictionary);
-}
+void embedInfoDictionary(foundation::Dictionary (*make)()) { makeDictionary.store(make); }
 
 }  // namespace platform

@@ -1,5 +1,6 @@
 #include "platform/linux/ConcurrentQueue.h"
 
+#include <thread>
 #include <utility>
 
 namespace platform {
@@ -55,15 +56,19 @@ void ConcurrentQueue::enqueue(Entry entry) {
   passOn();
 }
 
+// A short stay is over sooner than a thread falls asleep; who has been in line goes first all the
+// same.
 void ConcurrentQueue::acquire(Access access) {
-  std::uint32_t state = state_.load(std::memory_order_relaxed);
-  if (access == Access::exclusive) {
-    state = 0;
-    if (state_.compare_exchange_strong(state, barrier, std::memory_order_acquire)) return;
-    return acquireInLine(access);
-  }
-  while ((state & (barrier | line)) == 0) {
-    if (state_.compare_exchange_weak(state, state + 1, std::memory_order_acquire)) return;
+  constexpr int attempts = 16;
+  for (int i = 0; i < attempts; ++i) {
+    std::uint32_t state = state_.load(std::memory_order_relaxed);
+    if ((state & line) != 0) break;
+    while (isOpen(state, access)) {
+      if (state_.compare_exchange_weak(state, state + share(access), std::memory_order_acquire)) {
+        return;
+      }
+    }
+    std::this_thread::yield();
   }
   acquireInLine(access);
 }
@@ -80,7 +85,7 @@ void ConcurrentQueue::acquireInLine(Access access) {
 }
 
 void ConcurrentQueue::release(Access access) {
-  const std::uint32_t own = access == Access::shared ? 1 : barrier;
+  const std::uint32_t own = share(access);
   if (state_.fetch_sub(own, std::memory_order_acq_rel) != (own | line)) return;
   foundation::MutexLock lock(mutex_);
   passOn();
@@ -89,9 +94,8 @@ void ConcurrentQueue::release(Access access) {
 // With something in line nobody comes in but through here, so what is read holds, except that
 // blocks may end meanwhile: the last of them passes on itself.
 bool ConcurrentQueue::admit(Access access) {
-  const std::uint32_t running = state_.load() & ~line;
-  if (access == Access::exclusive ? running != 0 : (running & barrier) != 0) return false;
-  state_.fetch_add(access == Access::shared ? 1 : barrier);
+  if (!isOpen(state_.load() & ~line, access)) return false;
+  state_.fetch_add(share(access));
   return true;
 }
 

@@ -53,6 +53,15 @@ class ConcurrentQueue final : public Queue, private ThreadPool::Work {
   static constexpr std::uint32_t barrier = 1U << 30;
   static constexpr std::uint32_t line = 1U << 31;
 
+  static constexpr std::uint32_t share(Access access) {
+    return access == Access::shared ? 1 : barrier;
+  }
+
+  // Whether a queue with this state, and nothing in line, lets one more in.
+  static constexpr bool isOpen(std::uint32_t state, Access access) {
+    return access == Access::shared ? (state & (barrier | line)) == 0 : state == 0;
+  }
+
   std::atomic<std::uint32_t> state_{0};
   foundation::Mutex mutex_;
   std::deque<Entry> line_ ZARVO_GUARDED_BY(mutex_);

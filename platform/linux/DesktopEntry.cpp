@@ -3,22 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/linux/KeyFile.h"
+
 namespace platform {
 namespace {
-
-constexpr std::string_view blanks = " \t\r";
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-std::string_view takeLine(std::string_view& text) {
-  const std::string_view line = text.substr(0, text.find('\n'));
-  text.remove_prefix(std::min(line.size() + 1, text.size()));
-  return trimmed(line);
-}
 
 /// Resolves the escapes of a value of type string: \s \n \t \r \\.
 std::string unescaped(std::string_view value) {
@@ -109,6 +97,7 @@ void setKey(DesktopEntry& entry, std::string_view key, std::string_view value) {
   if (key == "Type") entry.isApplication = value == "Application";
   if (key == "Hidden") entry.hidden = value == "true";
   if (key == "NoDisplay") entry.noDisplay = value == "true";
+  if (key == "Icon") entry.icon = unescaped(value);
   if (key == "TryExec") entry.tryExec = unescaped(value);
   if (key == "Exec") entry.command = splitCommand(unescaped(value));
 }
@@ -119,19 +108,16 @@ DesktopEntry DesktopEntry::parse(std::string_view text,
                                  const std::vector<std::string>& localeKeys) {
   DesktopEntry entry;
   NameChoice name(localeKeys);
+  KeyFileReader keys(text);
   bool inGroup = false;
-  while (!text.empty()) {
-    const std::string_view line = takeLine(text);
-    if (line.starts_with('[')) {
+  while (keys.next()) {
+    if (keys.group() != "Desktop Entry") {
       if (inGroup) break;
-      inGroup = line == "[Desktop Entry]";
+      continue;
     }
-    const std::size_t sign = line.find('=');
-    if (!inGroup || line.starts_with('#') || sign == std::string_view::npos) continue;
-    const std::string_view key = trimmed(line.substr(0, sign));
-    const std::string_view value = trimmed(line.substr(sign + 1));
-    name.offer(key, value);
-    setKey(entry, key, value);
+    inGroup = true;
+    name.offer(keys.key(), keys.value());
+    setKey(entry, keys.key(), keys.value());
   }
   entry.name = name.take();
   return entry;

@@ -13,6 +13,7 @@ struct DesktopEntry {
   bool hidden = false;               ///< as if the entry were not there, nor one further down
   bool noDisplay = false;            ///< an application that menus leave out
   std::optional<std::string> name;   ///< "Name" in the first of the languages that has one
+  std::string icon;                  ///< an icon theme's name, or a path; empty: none
   std::string tryExec;               ///< empty: none
   std::vector<std::string> command;  ///< "Exec", split and unquoted, field codes kept
 

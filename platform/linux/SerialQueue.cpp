@@ -31,7 +31,7 @@ void SerialQueue::async(Block block) {
   foundation::MutexLock lock(mutex_);
   incoming_.push_back(std::move(block));
   ++queued_;
-  if ((state_.fetch_or(line) & owned) == 0) passOn();
+  if ((state_.fetch_or(line | blocks) & owned) == 0) passOn();
 }
 
 void SerialQueue::syncCall(FunctionView function) {
@@ -46,48 +46,56 @@ void SerialQueue::syncCall(FunctionView function) {
 }
 
 void SerialQueue::acquire() {
-  std::uint32_t expected = idle;
-  if (!state_.compare_exchange_strong(expected, owned, std::memory_order_acquire)) acquireInLine();
+  std::uint32_t state = state_.load(std::memory_order_relaxed);
+  while ((state & (owned | blocks)) == 0) {
+    if (state_.compare_exchange_weak(state, state | owned, std::memory_order_acquire)) return;
+  }
+  acquireInLine();
 }
 
 void SerialQueue::acquireInLine() {
   foundation::MutexLock lock(mutex_);
-  const bool isOwnedElsewhere = (state_.fetch_or(line) & owned) != 0;
-  if (!isOwnedElsewhere && queued_ == finished_) {
-    state_.fetch_or(owned);
-    return clearLineIfEmpty();
-  }
   Waiter waiter{queued_, {}};
   (lastWaiter_ ? lastWaiter_->next : firstWaiter_) = &waiter;
   lastWaiter_ = &waiter;
-  {
+  state_.fetch_or(line);
+  if (!isTakenBy(waiter)) {
     const BlockingRegion waiting;
-    while (isOwned() || waiter.ticket > finished_) waiter.woken.wait(mutex_);
+    do {
+      waiter.woken.wait(mutex_);
+      state_.fetch_and(~std::uint32_t{woken});
+    } while (!isTakenBy(waiter));
   }
   Waiter** link = &firstWaiter_;
   Waiter* previous = nullptr;
   for (; *link != &waiter; link = &(*link)->next) previous = *link;
   *link = waiter.next;
   if (lastWaiter_ == &waiter) lastWaiter_ = previous;
-  state_.fetch_or(owned);
   clearLineIfEmpty();
 }
 
+bool SerialQueue::isTakenBy(const Waiter& waiter) {
+  return waiter.ticket <= finished_ && (state_.fetch_or(owned) & owned) == 0;
+}
+
 void SerialQueue::release() {
-  std::uint32_t expected = owned;
-  if (state_.compare_exchange_strong(expected, idle, std::memory_order_release)) return;
+  const std::uint32_t state = state_.fetch_and(~std::uint32_t{owned}, std::memory_order_acq_rel);
+  if ((state & line) == 0 || (state & woken) != 0) return;
   foundation::MutexLock lock(mutex_);
-  state_.fetch_and(~std::uint32_t{owned});
-  passOn();
+  if (!isOwned()) passOn();
 }
 
 void SerialQueue::clearLineIfEmpty() {
-  if (!firstWaiter_ && queued_ == finished_) state_.fetch_and(~std::uint32_t{line});
+  if (queued_ != finished_) return;
+  state_.fetch_and(~std::uint32_t{firstWaiter_ ? blocks : blocks | line});
 }
 
 // Called whenever the queue is free and something may be in line.
 void SerialQueue::passOn() {
-  if (firstWaiter_ && firstWaiter_->ticket <= finished_) return firstWaiter_->woken.notifyOne();
+  if (firstWaiter_ && firstWaiter_->ticket <= finished_) {
+    state_.fetch_or(woken);
+    return firstWaiter_->woken.notifyOne();
+  }
   if (queued_ == finished_ || scheduled_) return;
   scheduled_ = true;
   ThreadPool::shared().submit({shared_from_this(), this});

@@ -4,8 +4,11 @@
 #include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <time.h>
 #include <unistd.h>
+
+#include <charconv>
 
 namespace platform {
 namespace {
@@ -45,6 +48,21 @@ void replaceEnvironment() {
 }
 
 }  // namespace
+
+std::optional<Process::OperatingSystemVersion> Process::operatingSystemVersion() {
+  utsname names;
+  if (uname(&names) == -1) return std::nullopt;
+  OperatingSystemVersion version;
+  const std::string_view release = names.release;
+  const char* position = release.data();
+  const char* const end = position + release.size();
+  for (long* number : {&version.majorVersion, &version.minorVersion, &version.patchVersion}) {
+    const auto [rest, error] = std::from_chars(position, end, *number);
+    if (error != std::errc() || rest == end || *rest != '.') break;
+    position = rest + 1;
+  }
+  return version;
+}
 
 uid_t Process::effectiveUserIdentifier() { return geteuid(); }
 

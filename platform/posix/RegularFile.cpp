@@ -21,4 +21,9 @@ foundation::Result<FileHandle> openRegularFile(std::string_view path, int flags,
   return file;
 }
 
+bool isRegularFile(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 }  // namespace platform

@@ -16,9 +16,9 @@ unsigned spinCount() {
 }  // namespace
 
 bool Semaphore::tryTake() {
-  std::int64_t value = value_.load();
-  while (value > 0) {
-    if (value_.compare_exchange_weak(value, value - 1)) return true;
+  std::uint64_t state = state_.load();
+  while ((state & (sleeper - 1)) > 0) {
+    if (state_.compare_exchange_weak(state, state - 1)) return true;
   }
   return false;
 }
@@ -30,12 +30,14 @@ void Semaphore::wait() {
   }
   const BlockingRegion waiting;
   foundation::MutexLock lock(mutex_);
-  ++sleepers_;
+  state_.fetch_add(sleeper);
   while (!tryTake()) {
     signalled_.wait(mutex_);
-    if (woken_ > 0) --woken_;
+    if (woken_ == 0) continue;
+    --woken_;
+    state_.fetch_add(sleeper);
   }
-  --sleepers_;
+  state_.fetch_sub(sleeper);
 }
 
 bool Semaphore::wait(std::chrono::nanoseconds duration) {
@@ -43,27 +45,36 @@ bool Semaphore::wait(std::chrono::nanoseconds duration) {
   const auto deadline = std::chrono::steady_clock::now() + duration;
   const BlockingRegion waiting;
   foundation::MutexLock lock(mutex_);
-  ++sleepers_;
+  state_.fetch_add(sleeper);
   bool taken = tryTake();
   while (!taken) {
     const auto left = deadline - std::chrono::steady_clock::now();
     if (left <= left.zero()) break;
     signalled_.waitFor(mutex_, left);
-    if (woken_ > 0) --woken_;
+    if (woken_ > 0) {
+      --woken_;
+      state_.fetch_add(sleeper);
+    }
     taken = tryTake();
   }
-  --sleepers_;
+  state_.fetch_sub(sleeper);
   return taken;
 }
 
-// A sleeper counts itself before its last look at the value, and the value is raised here before
-// the look at the sleepers: one of the two sees the other. A sleeper on its way needs no second
-// wake-up: whoever signals fast would spend its time on nothing else.
 void Semaphore::signal() {
-  value_.fetch_add(1);
-  if (sleepers_.load() <= woken_.load()) return;
+  std::uint64_t state = state_.load();
+  while (state < sleeper) {
+    if (state_.compare_exchange_weak(state, state + 1)) return;
+  }
+  signalSleeper();
+}
+
+// A sleeper on its way needs no second wake-up: whoever signals fast would spend its time on
+// nothing else.
+void Semaphore::signalSleeper() {
   foundation::MutexLock lock(mutex_);
-  if (sleepers_ <= woken_) return;
+  if (state_.fetch_add(1) < sleeper) return;
+  state_.fetch_sub(sleeper);
   ++woken_;
   signalled_.notifyOne();
 }
