@@ -26,6 +26,25 @@ const EVP_MD* fetched(ZCIODigest::Algorithm algorithm) {
   return digest;
 }
 
+thread_local constinit bool threadContextIsGone = false;
+
+struct ThreadContext {
+  ~ThreadContext() {
+    EVP_MD_CTX_free(context);
+    threadContextIsGone = true;
+  }
+
+  EVP_MD_CTX* const context = EVP_MD_CTX_new();
+};
+
+// One context a thread: making one costs as much as a short digest. Null where there is none, as at
+// the thread's end.
+EVP_MD_CTX* threadContext() {
+  if (threadContextIsGone) return nullptr;
+  static thread_local const ThreadContext shared;
+  return shared.context;
+}
+
 }  // namespace
 
 void ZCIODigest::Release::operator()(evp_md_ctx_st* context) const { EVP_MD_CTX_free(context); }
@@ -50,6 +69,13 @@ Data ZCIODigest::finish() {
 void ZCIODigest::compute(Algorithm algorithm, DataView data, std::span<std::uint8_t> digest) {
   const EVP_MD* const function = fetched(algorithm);
   ZARVO_ASSERT(digest.size() == static_cast<std::size_t>(EVP_MD_get_size(function)));
-  check(EVP_Digest(data.data(), data.size(), digest.data(), nullptr, function, nullptr),
-        "EVP_Digest");
+  EVP_MD_CTX* const context = threadContext();
+  if (!context) {
+    check(EVP_Digest(data.data(), data.size(), digest.data(), nullptr, function, nullptr),
+          "EVP_Digest");
+    return;
+  }
+  check(EVP_DigestInit_ex2(context, function, nullptr), "EVP_DigestInit_ex2");
+  check(EVP_DigestUpdate(context, data.data(), data.size()), "EVP_DigestUpdate");
+  check(EVP_DigestFinal_ex(context, digest.data(), nullptr), "EVP_DigestFinal_ex");
 }

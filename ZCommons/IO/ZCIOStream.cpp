@@ -4,6 +4,9 @@
 
 using foundation::TimeInterval;
 
+ZCIOStreamErrorException::ZCIOStreamErrorException(const std::string& reason)
+    : NSException("ZCIOStreamErrorException", reason) {}
+
 std::int64_t ZCIOStreamDelegate::read(std::uint8_t*, std::size_t, ZCIOStream&) {
   return ZCIO_ERROR;
 }
@@ -16,21 +19,21 @@ ZCIOStream::ZCIOStream(std::weak_ptr<ZCIOStreamDelegate> delegate)
     : delegate_(std::move(delegate)) {}
 
 TimeInterval ZCIOStream::readTimeout() const {
-  const auto delegate = delegate_.lock();
-  return delegate ? delegate->readTimeout() : ZCIO_NO_TIMEOUT;
+  const auto target = delegate();
+  return target ? target->readTimeout() : ZCIO_NO_TIMEOUT;
 }
 
 void ZCIOStream::setReadTimeout(TimeInterval timeout) {
-  if (const auto delegate = delegate_.lock()) delegate->setReadTimeout(timeout);
+  if (const auto target = delegate()) target->setReadTimeout(timeout);
 }
 
 TimeInterval ZCIOStream::writeTimeout() const {
-  const auto delegate = delegate_.lock();
-  return delegate ? delegate->writeTimeout() : ZCIO_NO_TIMEOUT;
+  const auto target = delegate();
+  return target ? target->writeTimeout() : ZCIO_NO_TIMEOUT;
 }
 
 void ZCIOStream::setWriteTimeout(TimeInterval timeout) {
-  if (const auto delegate = delegate_.lock()) delegate->setWriteTimeout(timeout);
+  if (const auto target = delegate()) target->setWriteTimeout(timeout);
 }
 
 std::int64_t ZCIOStream::read(std::uint8_t* buffer, std::size_t maxLength) {

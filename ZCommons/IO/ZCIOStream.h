@@ -4,16 +4,28 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "foundation/Date.h"
+#include "foundation/NSException.h"
 
 /// The count that says that a read or a write failed.
 inline constexpr std::int64_t ZCIO_ERROR = -1;
+
+/// The length that sets no limit.
+inline constexpr std::int64_t ZCIO_UNLIMITED = -1;
 
 /// The time-out that says that none is known.
 inline constexpr foundation::TimeInterval ZCIO_NO_TIMEOUT = -1.0;
 
 class ZCIOStream;
+
+/// What a read-only stream raises when it is to write, or is asked about writing: named
+/// "ZCIOStreamErrorException", with the reason "Writing method is not implemented.".
+class ZCIOStreamErrorException : public foundation::NSException {
+ public:
+  explicit ZCIOStreamErrorException(const std::string& reason);
+};
 
 /// What moves a stream's bytes: a socket, a file, a buffer in memory.
 ///

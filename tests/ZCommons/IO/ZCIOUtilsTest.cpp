@@ -1,67 +1,49 @@
-#include <vector>
-
 #include <gtest/gtest.h>
 
+#include "ScriptedDelegate.h"
 #include "ZCommons/IO/ZCIOUtils.h"
-#include "foundation/NSException.h"
 
 using foundation::StringEncoding;
-using Lines = std::vector<std::string>;
-
-namespace {
-
-/// Gives out a text, then one count for ever.
-struct TextDelegate : ZCIOStreamDelegate {
-  std::int64_t read(std::uint8_t* buffer, std::size_t maxLength, ZCIOStream&) override {
-    const std::size_t count = text.copy(reinterpret_cast<char*>(buffer), maxLength);
-    text.remove_prefix(count);
-    return count > 0 ? static_cast<std::int64_t>(count) : end;
-  }
-
-  std::string_view text;
-  std::int64_t end = 0;
-};
-
-Lines linesOf(std::string_view text, StringEncoding encoding, std::int64_t end) {
-  const auto delegate = std::make_shared<TextDelegate>();
-  delegate->text = text;
-  delegate->end = end;
-  ZCIOStream stream(delegate);
-  Lines lines;
-  while (auto line = ZCIOUtils::readLine(stream, encoding)) lines.push_back(*line);
-  return lines;
-}
-
-}  // namespace
+using support::ScriptedDelegate;
 
 TEST(ZCIOUtils, ReadsLines) {
-  struct Row {
-    std::string text;
-    Lines lines;
-    StringEncoding encoding = StringEncoding::UTF8;
-    std::int64_t end = 0;
-  };
+  using Row = std::tuple<std::string, std::string, StringEncoding, std::int64_t>;
   const std::string longLine(100000, 'x');
   const Row rows[] = {
-      {"a b \r\nc\t\r\n", {"a b ", "c\t"}},
-      {"\r\ra\rb\r\n\n", {"a\rb", ""}},
-      {"\u0085\u2028\u00E4 \u2029\n", {"\u00E4 "}},
-      {"\xE4\x85\n\u00E4\n", {"\u00E4", "\u00E4"}},
-      {"\xE4\x85\n", {"\u00E4"}, StringEncoding::ISOLatin1},
-      {std::string("a\0b\n", 4), {std::string("a\0b", 3)}, StringEncoding::ASCII},
-      {longLine + "\n" + longLine, {longLine, longLine}},
-      {"line\nend", {"line", "end"}, StringEncoding::UTF8, -2},
-      {"line\nlost", {"line"}, StringEncoding::UTF8, ZCIO_ERROR},
+      {"a b \r\n\r\ra\rb\t\r\n\n", "a b |a\rb\t||", StringEncoding::UTF8, 0},
+      {"\u0085\u2028\u00E4 \u2029\n\xE4\x85\n", "\u00E4 |\u00E4|", StringEncoding::UTF8, 0},
+      {"\xE4\x85\n", "\u00E4|", StringEncoding::ISOLatin1, 0},
+      {longLine + "\nend", longLine + "|end|", StringEncoding::ASCII, -2},
+      {"line\nlost", "line|", StringEncoding::ASCII, ZCIO_ERROR},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(linesOf(row.text, row.encoding, row.end), row.lines) << row.text;
+  for (const auto& [text, expected, encoding, end] : rows) {
+    const auto delegate = std::make_shared<ScriptedDelegate>(text, end);
+    ZCIOStream stream(delegate);
+    std::string lines;
+    while (auto line = ZCIOUtils::readLine(stream, encoding)) lines += *line + "|";
+    EXPECT_EQ(lines, expected);
   }
 }
 
-TEST(ZCIOUtils, RaisesWhenTheLineBufferCannotBeHad) {
-  ZCIOStream stream;
-  EXPECT_EQ(ZCIOUtils::lineBufferSize(), 128);
-  ZCIOUtils::setLineBufferSize(-1);
-  EXPECT_THROW(ZCIOUtils::readLineBytes(stream), foundation::NSMallocException);
-  ZCIOUtils::setLineBufferSize(128);
+// A length or a setting, however large, is asked for only when that much may come.
+TEST(ZCIOUtils, AsksForNoMoreThanItNeeds) {
+  using Row = std::tuple<std::int64_t, std::int64_t, std::int64_t, std::vector<std::size_t>>;
+  for (const auto& [length, bufferSize, copied, requests] :
+       {Row{100, 8192, 4, {100, 96}}, Row{3, 2, 3, {2, 1}}, Row{-1, 3, 0, {3, 3, 3}},
+        Row{INT64_MAX, INT64_MAX, 4, {1 << 20, 1 << 20}}}) {
+    ZCIOUtils::setBufferSize(bufferSize);
+    const auto source = std::make_shared<ScriptedDelegate>("abcd");
+    ZCIOStream stream(source);
+    const auto bytes = ZCIOUtils::readToEnd(stream, length);
+    EXPECT_EQ(source->requests, requests);
+    source->text = "abcd";
+    EXPECT_EQ(ZCIOUtils::copyFrom(stream, stream, length), copied);
+    EXPECT_EQ(source->written, length == 3 ? "abc" : "abcd");
+    EXPECT_EQ(source->written, foundation::textOf(*bytes));
+    EXPECT_THROW(ZCIOUtils::read(stream, -1), foundation::NSMallocException);
+  }
+  const std::string large(5 << 20, 'x');
+  const auto source = std::make_shared<ScriptedDelegate>(large, -7);
+  ZCIOStream stream(source);
+  EXPECT_EQ(foundation::textOf(ZCIOUtils::read(stream, INT64_MAX)), large);
 }
