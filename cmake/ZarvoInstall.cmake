@@ -81,7 +81,9 @@ write_basic_package_version_file(ZarvoConfigVersion.cmake COMPATIBILITY SameMajo
 install(FILES
   "${CMAKE_CURRENT_BINARY_DIR}/ZarvoConfig.cmake"
   "${CMAKE_CURRENT_BINARY_DIR}/ZarvoConfigVersion.cmake"
+  cmake/ZarvoInformationList.cmake
   DESTINATION "${package_folder}")
+install(PROGRAMS cmake/make_information_list DESTINATION "${package_folder}")
 configure_file(cmake/zarvo.pc.in zarvo.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/zarvo.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 

@@ -11,37 +11,19 @@
 
 #include "ZDomain/ZDLocations.h"
 #include "foundation/NSException.h"
-#include "platform/Bundle.h"
 #include "platform/FileSystem.h"
+#include "tests/ZDomain/FakePlaces.h"
 #include "tests/support/RecordingLogger.h"
-#include "tests/support/TemporaryFolder.h"
 
 using foundation::NSGenericException;
 using foundation::URL;
 using platform::SearchPathDomain;
+using support::FakeBundle;
+using support::FakeFolders;
 using testing::StartsWith;
 namespace FileSystem = platform::FileSystem;
 
 namespace {
-
-/// Standard folders inside a temporary one.
-struct FakeFolders : platform::Folders {
-  foundation::Result<URL> url(platform::SearchPathDirectory, SearchPathDomain domain) override {
-    if (!available) return foundation::Error("test", 1, "no such folder");
-    const bool isUser = domain == SearchPathDomain::user;
-    return URL::fileURLWithPath(folder.path(isUser ? "user" : "local"));
-  }
-  URL temporaryDirectory() override { return URL::fileURLWithPath(folder.path()); }
-
-  const support::TemporaryFolder folder;
-  bool available = true;
-};
-
-struct FakeBundle : platform::Bundle {
-  const foundation::Dictionary& infoDictionary() override { return information; }
-  std::string processName() override { return "test"; }
-  foundation::Dictionary information{{"CFBundleIdentifier", "com.zarvo.Companion"}};
-};
 
 class ZDLocationsTest : public testing::Test {
  protected:
