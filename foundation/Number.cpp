@@ -43,7 +43,7 @@ constexpr bool isReal = std::is_same_v<std::remove_cvref_t<T>, double>;
 
 }  // namespace
 
-std::int64_t Number::longLongValue() const {
+std::int64_t Number::convertedLongLongValue() const {
   return std::visit(
       [](auto value) -> std::int64_t {
         if constexpr (isReal<decltype(value)>) {
@@ -56,7 +56,7 @@ std::int64_t Number::longLongValue() const {
       value_);
 }
 
-std::uint64_t Number::unsignedLongLongValue() const {
+std::uint64_t Number::convertedUnsignedLongLongValue() const {
   return std::visit(
       [](auto value) -> std::uint64_t {
         if constexpr (isReal<decltype(value)>) {
@@ -68,7 +68,7 @@ std::uint64_t Number::unsignedLongLongValue() const {
       value_);
 }
 
-double Number::doubleValue() const {
+double Number::convertedDoubleValue() const {
   return std::visit([](auto value) { return static_cast<double>(value); }, value_);
 }
 

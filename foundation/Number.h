@@ -28,13 +28,23 @@ class Number {
   char objCType() const { return objCType_; }
 
   /// The value as a signed integer: cut towards zero, clamped to the range; 0 for not-a-number.
-  std::int64_t longLongValue() const;
+  std::int64_t longLongValue() const {
+    const auto* const value = std::get_if<std::int64_t>(&value_);
+    return value ? *value : convertedLongLongValue();
+  }
 
   /// The value as an unsigned integer: cut towards zero, clamped to the range, except that a
   /// negative integer wraps around as C converts it.
-  std::uint64_t unsignedLongLongValue() const;
+  std::uint64_t unsignedLongLongValue() const {
+    const auto* const value = std::get_if<std::int64_t>(&value_);
+    return value ? static_cast<std::uint64_t>(*value) : convertedUnsignedLongLongValue();
+  }
 
-  double doubleValue() const;
+  double doubleValue() const {
+    const auto* const value = std::get_if<double>(&value_);
+    return value ? *value : convertedDoubleValue();
+  }
+
   bool boolValue() const;
 
   /// The value in decimal; a real in the fewest digits that bring it back.
@@ -44,6 +54,10 @@ class Number {
   friend bool operator==(const Number& a, const Number& b);
 
  private:
+  std::int64_t convertedLongLongValue() const;
+  std::uint64_t convertedUnsignedLongLongValue() const;
+  double convertedDoubleValue() const;
+
   // Picks the code by size: 1, 2, 4 or 8 bytes.
   template <class T>
   static constexpr char code(const char* codes) {
