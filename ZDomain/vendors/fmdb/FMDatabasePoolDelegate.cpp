@@ -1,0 +1,7 @@
+#include "ZDomain/vendors/fmdb/FMDatabasePoolDelegate.h"
+
+bool FMDatabasePoolDelegate::databasePoolShouldAddDatabaseToPool(FMDatabasePool&, FMDatabase&) {
+  return true;
+}
+
+void FMDatabasePoolDelegate::databasePoolDidAddDatabase(FMDatabasePool&, FMDatabase&) {}
