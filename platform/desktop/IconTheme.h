@@ -10,7 +10,7 @@ namespace platform {
 
 /// The pictures that the desktop has for names, such as those of applications and stock pictures.
 ///
-/// On Linux these are the PNG files of the icon themes (freedesktop.org Icon Theme Specification).
+/// On Linux these are the PNG files of the icon themes (freedesktop.org icon themes).
 /// The theme is the one of the user's or the machine's GTK 3 settings, "default", and "Adwaita",
 /// each with the themes it inherits; then "hicolor". Searched are "icons" in the folders of data
 /// that desktop programs share and ".icons" in the home folder, then "/usr/share/pixmaps".

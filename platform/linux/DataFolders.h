@@ -14,8 +14,8 @@ std::string trustedVariable(const char* name);
 /// `usual` when there are none.
 std::vector<std::string> trustedPathList(const char* name, std::string_view usual);
 
-/// The folders of data that desktop programs share, the user's own first (XDG Base Directory
-/// Specification), and those where packages of their own world put theirs.
+/// The folders of data that desktop programs share, the user's own first (freedesktop.org base
+/// directories), and those where packages of their own world put theirs.
 std::vector<std::string> dataFolders();
 
 }  // namespace platform

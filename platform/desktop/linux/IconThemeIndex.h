@@ -7,7 +7,7 @@
 
 namespace platform {
 
-/// What the "index.theme" of an icon theme says (freedesktop.org Icon Theme Specification).
+/// What the "index.theme" of an icon theme says (freedesktop.org icon themes).
 struct IconThemeIndex {
   struct Directory {
     std::string path;          ///< below the theme's folder
