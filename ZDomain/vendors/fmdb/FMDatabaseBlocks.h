@@ -6,8 +6,8 @@
 #include "ZDomain/vendors/fmdb/FMDatabase.h"
 #include "foundation/Error.h"
 
-/// What the queue and the pool do around a block on a connection of theirs, which may be null: then
-/// everything but the block is left out. An exception of the block rolls back and passes on.
+/// What is done around a block on a connection, which may be null: then everything but the block is
+/// left out. An exception of the block rolls back and passes on.
 namespace FMDatabaseBlocks {
 
 void begin(FMDatabase* database, bool deferred);
@@ -27,15 +27,17 @@ void inTransaction(FMDatabase* database, bool deferred, Block& block) {
   end(database, shouldRollBack);
 }
 
+/// The name of savepoint `number` of a queue or a pool.
 std::string savePointName(long number);
+
 void endSavePoint(FMDatabase& database, const std::string& name, bool shouldRollBack,
                   std::optional<foundation::Error>& error);
 
-/// Runs the block inside savepoint `number`, only if that could be started. Returns the error of
+/// Runs the block inside the savepoint `name`, only if that could be started. Returns the error of
 /// the last step that failed.
 template <class Block>
-std::optional<foundation::Error> inSavePoint(FMDatabase* database, long number, Block& block) {
-  const std::string name = savePointName(number);
+std::optional<foundation::Error> inSavePoint(FMDatabase* database, const std::string& name,
+                                             Block& block) {
   std::optional<foundation::Error> error;
   if (!database || !database->startSavePointWithName(name, &error)) return error;
   bool shouldRollBack = false;

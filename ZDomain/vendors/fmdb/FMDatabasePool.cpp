@@ -143,7 +143,7 @@ void FMDatabasePool::releaseAllDatabases() {
   });
 }
 
-long FMDatabasePool::nextSavePointNumber() {
+std::string FMDatabasePool::nextSavePointName() {
   static std::atomic<long> next{0};
-  return next.fetch_add(1, std::memory_order_relaxed);
+  return FMDatabaseBlocks::savePointName(next.fetch_add(1, std::memory_order_relaxed));
 }

@@ -129,10 +129,10 @@ class FMDatabasePool : public foundation::Object,
   /// started, or when there is no connection (without an error then).
   template <class Block>
   std::optional<foundation::Error> inSavePoint(Block&& block) {
-    const long number = nextSavePointNumber();
+    const std::string name = nextSavePointName();
     std::optional<foundation::Error> error;
     lend([&](FMDatabase* database) {
-      error = FMDatabaseBlocks::inSavePoint(database, number, block);
+      error = FMDatabaseBlocks::inSavePoint(database, name, block);
     });
     return error;
   }
@@ -159,7 +159,7 @@ class FMDatabasePool : public foundation::Object,
   std::shared_ptr<FMDatabase> takeIdle();
   std::shared_ptr<FMDatabase> makeWithinMaximum() const;
   bool takeBack(const std::shared_ptr<FMDatabase>& database);
-  static long nextSavePointNumber();
+  static std::string nextSavePointName();
 
   mutable foundation::Mutex mutex_;
   std::optional<std::string> path_ ZARVO_GUARDED_BY(mutex_);

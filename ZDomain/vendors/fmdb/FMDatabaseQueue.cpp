@@ -79,7 +79,7 @@ void FMDatabaseQueue::warnAboutOpenResultSets(const FMDatabase& database) {
       "inDatabase:]");
 }
 
-long FMDatabaseQueue::nextSavePointNumber() {
+std::string FMDatabaseQueue::nextSavePointName() {
   static std::atomic<long> next{0};
-  return next.fetch_add(1, std::memory_order_relaxed);
+  return FMDatabaseBlocks::savePointName(next.fetch_add(1, std::memory_order_relaxed));
 }

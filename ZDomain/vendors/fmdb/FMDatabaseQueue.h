@@ -109,7 +109,7 @@ class FMDatabaseQueue : public foundation::Object {
   template <class Block>
   std::optional<foundation::Error> inSavePoint(Block&& block) {
     return perform([&](FMDatabase* database) {
-      return FMDatabaseBlocks::inSavePoint(database, nextSavePointNumber(), block);
+      return FMDatabaseBlocks::inSavePoint(database, nextSavePointName(), block);
     });
   }
 
@@ -123,7 +123,7 @@ class FMDatabaseQueue : public foundation::Object {
   void forbidReentry() const;
   FMDatabase* database();
   static void warnAboutOpenResultSets(const FMDatabase& database);
-  static long nextSavePointNumber();
+  static std::string nextSavePointName();
 
   mutable foundation::Mutex mutex_;
   std::optional<std::string> path_ ZARVO_GUARDED_BY(mutex_);

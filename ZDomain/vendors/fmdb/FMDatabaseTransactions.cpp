@@ -1,6 +1,7 @@
 #include <atomic>
 
 #include "ZDomain/vendors/fmdb/FMDatabase.h"
+#include "ZDomain/vendors/fmdb/FMDatabaseBlocks.h"
 #include "foundation/Format.h"
 
 using foundation::Error;
@@ -62,18 +63,7 @@ bool FMDatabase::rollbackToSavePointWithName(std::string_view name, ErrorPlace e
 
 std::optional<Error> FMDatabase::inSavePoint(const std::function<void(bool*)>& block) {
   static std::atomic<long> counter{0};
-  const std::string name = format("dbSavePoint%ld", counter.fetch_add(1));
-  std::optional<Error> error;
-  if (!startSavePointWithName(name, &error)) return error;
-  bool shouldRollBack = false;
-  try {
-    block(&shouldRollBack);
-  } catch (...) {
-    rollbackToSavePointWithName(name, nullptr);
-    releaseSavePointWithName(name, nullptr);
-    throw;
-  }
-  if (shouldRollBack) rollbackToSavePointWithName(name, &error);
-  releaseSavePointWithName(name, &error);
-  return error;
+  const auto inside = [&block](FMDatabase*, bool* shouldRollBack) { block(shouldRollBack); };
+  return FMDatabaseBlocks::inSavePoint(this, format("dbSavePoint%ld", counter.fetch_add(1)),
+                                       inside);
 }
