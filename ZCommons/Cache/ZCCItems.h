@@ -13,9 +13,9 @@
 /// What the caches keep: items by key, and the order of their use.
 ///
 /// An item lives as long as its key is in the recency queue or has a date. Items are found through
-/// a table of slots (open addressing, linear probing, at most half full). Everything is done under
-/// the lock of the cache, except `isQueued`: what that looks at changes only under a lock of its
-/// own, which is never held for longer than a look at one key or the exchange of a table.
+/// a table of slots (open addressing, linear probing, at most four fifths full). Everything is done
+/// under the lock of the cache, except `isQueued`: what that looks at changes only under a lock of
+/// its own, which is never held for longer than a look at one key or the exchange of a table.
 template <class Key, class Value, class Hash, class Equal>
 class ZCCItems {
  public:
@@ -86,7 +86,7 @@ class ZCCItems {
     const std::size_t hash = hashOf(key);
     if (Item* const item = find(key, hash)) return *item;
     auto item = std::make_unique<Item>(key);
-    if ((count_ + 1) * 2 > slots_.size()) grow();
+    if (isTooMany(count_ + 1, slots_.size())) grow();
     foundation::SpinLockGuard lock(look_);
     place(slots_, {hash, item.get()});
     ++count_;
@@ -151,10 +151,12 @@ class ZCCItems {
   };
   using Slots = std::vector<Slot>;
 
+  static bool isTooMany(std::size_t items, std::size_t slots) { return items * 5 > slots * 4; }
+
   static std::size_t tableSize(std::size_t items) {
     constexpr std::size_t largestHint = 1 << 16;
     std::size_t size = 16;
-    while (size < items * 2 && size < largestHint) size *= 2;
+    while (isTooMany(items, size) && size < largestHint) size *= 2;
     return size;
   }
 
